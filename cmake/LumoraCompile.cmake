@@ -1,0 +1,34 @@
+# Compile settings that every target of the project shares.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 11)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+
+option(LUMORA_WERROR "Treat compiler warnings as errors" OFF)
+set(LUMORA_SANITIZE "" CACHE STRING "Value for -fsanitize=, for example address,undefined")
+
+find_package(Threads REQUIRED)
+
+# Bytes are the contract: no compiler may fuse a multiplication with an addition.
+add_compile_options(-ffp-contract=off)
+if(LUMORA_SANITIZE)
+  add_compile_options(-fsanitize=${LUMORA_SANITIZE} -fno-sanitize-recover=all
+                      -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${LUMORA_SANITIZE})
+endif()
+
+function(lumora_set_warnings target)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wshadow -Wconversion
+                         -Wno-sign-conversion)
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "^arm")
+    target_compile_options(${target} PRIVATE -Wno-psabi)
+  endif()
+  if(LUMORA_WERROR)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
+endfunction()

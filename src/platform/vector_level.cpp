@@ -1,0 +1,62 @@
+#include "platform/vector_level.h"
+
+#include <atomic>
+
+namespace lumora {
+namespace {
+
+std::atomic<int> forcedLevel{-1};
+
+int highestSupportedLevel() {
+  for (int level = kVectorLevelCount - 1; level >= 0; --level) {
+    if (vectorLevelSupported(level)) return level;
+  }
+  return -1;
+}
+
+}  // namespace
+
+#if defined(__x86_64__)
+
+const char* vectorLevelName(int level) {
+  static constexpr const char* kNames[kVectorLevelCount] = {"ssse3", "avx2", "avx512"};
+  return level >= 0 && level < kVectorLevelCount ? kNames[level] : "none";
+}
+
+// The compiler's check also asks whether the operating system saves the wide registers. Each level
+// needs just what its sources are compiled with.
+bool vectorLevelSupported(int level) {
+  __builtin_cpu_init();
+  const bool ssse3 = __builtin_cpu_supports("ssse3");
+  const bool avx2 = ssse3 && __builtin_cpu_supports("sse4.2") && __builtin_cpu_supports("avx2") &&
+                    __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2") &&
+                    __builtin_cpu_supports("fma") && __builtin_cpu_supports("f16c");
+  const bool avx512 = avx2 && __builtin_cpu_supports("avx512f") &&
+                      __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512cd") &&
+                      __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl");
+  switch (level) {
+    case 0: return ssse3;
+    case 1: return avx2;
+    case 2: return avx512;
+    default: return false;
+  }
+}
+
+#else
+
+const char* vectorLevelName(int level) { return level == 0 ? "neon" : "none"; }
+
+// NEON is the baseline of the builds for ARM.
+bool vectorLevelSupported(int level) { return level == 0; }
+
+#endif
+
+int vectorLevel() {
+  static const int chosen = highestSupportedLevel();
+  const int forced = forcedLevel.load(std::memory_order_relaxed);
+  return forced >= 0 ? forced : chosen;
+}
+
+void forceVectorLevel(int level) { forcedLevel.store(level, std::memory_order_relaxed); }
+
+}  // namespace lumora
