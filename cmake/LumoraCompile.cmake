@@ -14,6 +14,9 @@ set(LUMORA_SANITIZE "" CACHE STRING "Value for -fsanitize=, for example address,
 
 find_package(Threads REQUIRED)
 
+# Offsets of files are 64-bit on 32-bit processors too.
+add_compile_definitions(_FILE_OFFSET_BITS=64)
+
 # Bytes are the contract: no compiler may fuse a multiplication with an addition.
 add_compile_options(-ffp-contract=off)
 if(LUMORA_SANITIZE)
