@@ -1,0 +1,92 @@
+// The exported functions.
+#include "api/init_checks.h"
+#include "lumora/filters.h"
+#include "pipeline/frame_entry.h"
+#include "platform/log.h"
+#include "resources/filter_init.h"
+#include "resources/handle_layout.h"
+
+namespace lumora {
+namespace {
+
+constexpr std::uint32_t kVersionNumber = 81010;
+
+void logVersion() {
+  __android_log_print(kLogInfo, kLogTag, "[%s] Filter Version: __%s__%s__%s__ \n", kLogName,
+                      "LumoraVideo-3.2.81.10", "Mar 13 2017", "gcc");
+}
+
+Status runInitialisation(FilterHandle** handle, const InitRequest& request) {
+  if (request.width == 0) {
+    return FilterInitUnsized(request.mode, request.direction, handle, *request.allocator,
+                             request.resourceDir);
+  }
+  return FilterInitSized(request.mode, request.width, request.height, request.direction, handle,
+                         *request.allocator, request.resourceDir);
+}
+
+std::uint32_t initialise(FilterHandle** handle, const InitRequest& request) {
+  Status status = checkInitRequest(request);
+  if (status == Status::kOk) {
+    status = runInitialisation(handle, request);
+    if (status != Status::kOk || *handle == nullptr) logError("[%s] initialize failed!\n");
+  }
+  return static_cast<std::uint32_t>(status);
+}
+
+// Null addresses are refused before the record is looked at.
+template <class Param>
+bool checkArguments(FilterHandle** handle, const Param* param) {
+  if (handle == nullptr) {
+    logError("[%s] phHandle is NULL!\n");
+  } else if (param == nullptr) {
+    logError("[%s] pstParamInit is NULL!\n");
+  }
+  return handle != nullptr && param != nullptr;
+}
+
+}  // namespace
+}  // namespace lumora
+
+using namespace lumora;
+
+std::uint32_t getFilterVersion(void) { return kVersionNumber; }
+
+std::uint32_t filterInit(FilterHandle** phHandle, FilterInitParam* pstParamInit) {
+  static FilterAllocator defaultAllocator = makeDefaultAllocator();
+  logVersion();
+  if (!checkArguments(phHandle, pstParamInit)) return LUMORA_BAD_ARGUMENT;
+  return initialise(phHandle, {pstParamInit->eMode, pstParamInit->eDirection, pstParamInit->width,
+                               pstParamInit->height, pstParamInit->pstAllocator, defaultAllocator,
+                               nullptr});
+}
+
+std::uint32_t filterInit_APP(FilterHandle** phHandle, FilterInitParamApp* pstParamInit) {
+  static FilterAllocator defaultAllocator = makeDefaultAllocator();
+  logVersion();
+  if (!checkArguments(phHandle, pstParamInit)) return LUMORA_BAD_ARGUMENT;
+  return initialise(phHandle, {pstParamInit->eMode, pstParamInit->eDirection, pstParamInit->width,
+                               pstParamInit->height, pstParamInit->pstAllocator, defaultAllocator,
+                               pstParamInit->pcResourceDir});
+}
+
+std::uint32_t filterDestroy(FilterHandle** phHandle) {
+  if (phHandle != nullptr && *phHandle != nullptr) {
+    // The allocator is part of the block that it takes back.
+    const FilterAllocator allocator = FilterHandleView(*phHandle).allocator();
+    allocator.release(*phHandle, kAllocationTag, 0);
+    *phHandle = nullptr;
+  }
+  return LUMORA_OK;
+}
+
+std::uint32_t filterProcess(FilterHandle* handle, const FilterImage* pstImage,
+                            FilterProcessParam* pstParam) {
+  return static_cast<std::uint32_t>(processFrame(handle, pstImage, pstParam, nullptr));
+}
+
+std::uint32_t filterProcess_for_album(FilterHandle* handle, const FilterImage* pstImage,
+                                      FilterAlbumParam* pstParam) {
+  FilterProcessParam* const process = pstParam != nullptr ? &pstParam->stProcess : nullptr;
+  return static_cast<std::uint32_t>(processFrame(handle, pstImage, process, pstParam));
+}

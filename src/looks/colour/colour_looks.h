@@ -1,0 +1,17 @@
+// The colour looks, for the level in use: kHeibai(), kMoran(), ...
+#pragma once
+
+#include "looks/look.h"
+#include "platform/vector_level.h"
+
+namespace lumora {
+
+LUMORA_PER_LEVEL(Look, kMoran)
+LUMORA_PER_LEVEL(Look, kRixi)
+LUMORA_PER_LEVEL(Look, kFugu)
+LUMORA_PER_LEVEL(Look, kValencia)
+LUMORA_PER_LEVEL(Look, kNuanyangyang)
+LUMORA_PER_LEVEL(Look, kTianmeikeren)
+LUMORA_PER_LEVEL(Look, kHeibai)
+
+}  // namespace lumora

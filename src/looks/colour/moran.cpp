@@ -1,0 +1,36 @@
+// MORAN: toned monochrome, shadows slightly lifted and mid-tones brightened by one curve.
+#include "looks/colour/colour_looks.h"
+#include "looks/colour/run_forms.h"
+
+namespace lumora::HWY_NAMESPACE {
+namespace {
+
+constexpr BuiltInCurves kPlain{
+    1, {{{1, 17, 36, 57, 78, 101, 125, 148, 170, 189, 205, 218, 228, 238, 246, 252, 255}}}};
+
+constexpr Knots kStrong{
+    {2, 18, 41, 69, 98, 132, 166, 193, 213, 226, 236, 243, 248, 251, 253, 254, 255}};
+
+struct MoranStep : ColourStep {
+  Curve curve;
+
+  explicit MoranStep(const LookJob& job)
+      : curve(RampCurve(blockOrBuiltIn(job, kPlain, 0), kStrong, job.ratio)) {}
+
+  HWY_INLINE V8 operator()(V8 grey) const { return CurveLookup(curve, grey); }
+  HWY_INLINE Rgb operator()(const Pixels<Texture>& p) const {
+    const V8 toned = CurveLookup(curve, p.luma);
+    return {toned, toned, toned};
+  }
+};
+
+void runNvMoran(const LookJob& job) {
+  walkLuma(job, MoranStep(job));
+  neutraliseChroma(job);
+}
+
+}  // namespace
+
+const Look kMoran{runRgba<MoranStep>, runNvMoran, runNvMoran, 0, &kPlain};
+
+}  // namespace lumora::HWY_NAMESPACE

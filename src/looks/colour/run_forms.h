@@ -1,0 +1,69 @@
+// Turns a look's step into its run forms for the three formats. Level sources only.
+#pragma once
+
+#include "looks/colour/curves.h"
+#include "looks/colour/walk.h"
+
+namespace lumora::HWY_NAMESPACE {
+
+// What the steps of most looks share; a step names what differs.
+struct ColourStep {
+  using Texture = NoTexture;
+  static constexpr NvConversion kConversion{};
+};
+
+template <class Step>
+void runRgba(const LookJob& job) {
+  walkRgba<typename Step::Texture>(job, Step(job));
+}
+
+template <class Step, ChromaOrder kOrder>
+void runNv(const LookJob& job) {
+  walkNv<kOrder>(job, Step(job));
+}
+
+// A step is made from the job once per run, before any pixel.
+template <class RgbaStep, class NvStep = RgbaStep>
+constexpr Look makeLook(const BuiltInCurves* builtIn = nullptr) {
+  return {runRgba<RgbaStep>, runNv<NvStep, ChromaOrder::kVU>, runNv<NvStep, ChromaOrder::kUV>,
+          RgbaStep::Texture::kBytesPerPixel, builtIn};
+}
+
+// Calls the run form of the plain or of the strong step, for looks that do more work above the
+// plain strength.
+template <RunForm kPlain, RunForm kStrong>
+void runByStrength(const LookJob& job) {
+  (job.ratio > kPlainRatio ? kStrong : kPlain)(job);
+}
+
+template <template <bool kStrong> class Step>
+constexpr Look makeTwoStrengthLook(const BuiltInCurves* builtIn = nullptr) {
+  using Plain = Step<false>;
+  using Strong = Step<true>;
+  return {runByStrength<runRgba<Plain>, runRgba<Strong>>,
+          runByStrength<runNv<Plain, ChromaOrder::kVU>, runNv<Strong, ChromaOrder::kVU>>,
+          runByStrength<runNv<Plain, ChromaOrder::kUV>, runNv<Strong, ChromaOrder::kUV>>,
+          Plain::Texture::kBytesPerPixel, builtIn};
+}
+
+HWY_INLINE bool usesStoredCurves(const LookJob& job) {
+  return job.block != nullptr && *job.block == 0;
+}
+
+// Curve `channel` of the tuning block where it is in use, else the built-in one.
+HWY_INLINE Knots blockOrBuiltIn(const LookJob& job, const BuiltInCurves& builtIn, int channel) {
+  if (!usesStoredCurves(job)) return builtIn.plain[channel];
+  ToneCurve stored;
+  memcpy(&stored, job.block + 1 + channel * static_cast<int>(sizeof stored), sizeof stored);
+  return stored.knots();
+}
+
+// The three curves in use, ramped toward the strong ones.
+HWY_INLINE RgbCurves rampedCurves(const LookJob& job, const BuiltInCurves& builtIn,
+                                  const Knots (&strong)[3]) {
+  return {Curve(RampCurve(blockOrBuiltIn(job, builtIn, 0), strong[0], job.ratio)),
+          Curve(RampCurve(blockOrBuiltIn(job, builtIn, 1), strong[1], job.ratio)),
+          Curve(RampCurve(blockOrBuiltIn(job, builtIn, 2), strong[2], job.ratio))};
+}
+
+}  // namespace lumora::HWY_NAMESPACE

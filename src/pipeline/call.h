@@ -1,0 +1,25 @@
+// One process call on its way through the pipeline.
+#pragma once
+
+#include "effects/mosaic.h"
+#include "platform/picture.h"
+#include "resources/handle_layout.h"
+
+namespace lumora {
+
+struct Call {
+  Picture picture;
+  FilterHandleView handle;
+  std::uint32_t mode;
+  std::uint32_t direction;
+  int ratio;  // the adjusted strength; the blur level for blur and tilt-shift
+  MosaicRect rect;
+  int mosaicSize;
+  Threads threads;
+  // Null for filterProcess.
+  const BlurParam* blur;
+  const TiltShiftParam* tiltShift;
+  const FixColorParam* fixColour;
+};
+
+}  // namespace lumora
