@@ -38,8 +38,8 @@ extern "C" {
 /* Status of every call. */
 enum {
   LUMORA_OK = 0,
-  LUMORA_BAD_ARGUMENT = 256, /* record field, mode, format, size or stride */
-  LUMORA_BAD_STATE = 512,    /* bad handle, bad picture region, or memory exhausted */
+  LUMORA_BAD_ARGUMENT = 256,  /* record field, mode, format, size or stride */
+  LUMORA_BAD_STATE = 512,     /* bad handle, bad picture region, or memory exhausted */
   LUMORA_BAD_RESOURCE = 1024, /* a resource file is missing, unreadable or malformed */
   LUMORA_THREAD_FAILED = 4096 /* a worker could not be started; some stripes may be done */
 };
@@ -144,8 +144,8 @@ typedef struct FilterProcessParam {
 
 /* Mode 19: sharp inside the inner circle, blurred outside the outer one. Any values are safe. */
 typedef struct BlurParam {
-  int32_t centreX; /* pixels */
-  int32_t centreY; /* rows */
+  int32_t centreX;     /* pixels */
+  int32_t centreY;     /* rows */
   int32_t innerRadius; /* pixels */
   int32_t outerRadius; /* pixels; not above innerRadius: a hard edge */
 } BlurParam;

@@ -50,15 +50,17 @@ bool checkArguments(FilterHandle** handle, const Param* param) {
 
 using namespace lumora;
 
-std::uint32_t getFilterVersion(void) { return kVersionNumber; }
+std::uint32_t getFilterVersion(void) {
+  return kVersionNumber;
+}
 
 std::uint32_t filterInit(FilterHandle** phHandle, FilterInitParam* pstParamInit) {
   static FilterAllocator defaultAllocator = makeDefaultAllocator();
   logVersion();
   if (!checkArguments(phHandle, pstParamInit)) return LUMORA_BAD_ARGUMENT;
-  return initialise(phHandle, {pstParamInit->eMode, pstParamInit->eDirection, pstParamInit->width,
-                               pstParamInit->height, pstParamInit->pstAllocator, defaultAllocator,
-                               nullptr});
+  return initialise(phHandle,
+                    {pstParamInit->eMode, pstParamInit->eDirection, pstParamInit->width,
+                     pstParamInit->height, pstParamInit->pstAllocator, defaultAllocator, nullptr});
 }
 
 std::uint32_t filterInit_APP(FilterHandle** phHandle, FilterInitParamApp* pstParamInit) {

@@ -25,10 +25,12 @@ struct LookJob {
 
 using RunForm = void (*)(const LookJob& job);
 
-// The curves a look uses while its tuning block is not in use, one per channel or one for all.
+// A look's own curves, one per channel or one for all: the plain ones, used while its tuning block
+// is not in use, and those that strengths above 16 ramp toward (none in looks that do not ramp).
 struct BuiltInCurves {
   int count;
   Knots plain[3];
+  Knots strong[3];
 };
 
 struct Look {
@@ -40,9 +42,12 @@ struct Look {
 
   RunForm runForm(PixelFormat format) const {
     switch (format) {
-      case PixelFormat::kNv21: return nv21;
-      case PixelFormat::kNv12: return nv12;
-      default: return rgba;
+      case PixelFormat::kNv21:
+        return nv21;
+      case PixelFormat::kNv12:
+        return nv12;
+      default:
+        return rgba;
     }
   }
 };

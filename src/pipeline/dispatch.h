@@ -6,8 +6,8 @@
 
 namespace lumora {
 
-// FilterProcessRGBA, FilterProcessNV21 and FilterProcessNV12 and their single-threaded twins in one:
-// repeats the format's checks, then runs the mode's route. Every buffer is released on return.
+// FilterProcessRGBA, FilterProcessNV21 and FilterProcessNV12 and their single-threaded twins in
+// one: repeats the format's checks, then runs the mode's route. Every buffer is released on return.
 Status dispatch(const Call& call);
 
 }  // namespace lumora

@@ -12,7 +12,8 @@ inline constexpr std::uint32_t kLongestSide = 20000;
 
 // Everything up to the strength: records, direction, size, handle, picture address, mode of the
 // handle, strength range. In this order; the first failure wins.
-Status checkRecords(FilterHandle* handle, const FilterImage* image, const FilterProcessParam* param);
+Status checkRecords(FilterHandle* handle, const FilterImage* image,
+                    const FilterProcessParam* param);
 
 // Modes that need the album call, or its extra settings.
 Status checkAlbumMode(const FilterImage& image, const FilterProcessParam& param,

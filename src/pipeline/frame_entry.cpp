@@ -16,8 +16,8 @@ namespace {
 // 0..15 becomes 8..15: the weakest call still mixes in half of the look. The caller sees the change
 // in its record, except for blur and tilt-shift, whose level this is.
 void adjustStrength(FilterProcessParam& param, bool isAlbum) {
-  const bool isLevel = isAlbum && (param.eMode == LUMORA_MODE_BLUR ||
-                                   param.eMode == LUMORA_MODE_TILT_SHIFT);
+  const bool isLevel =
+      isAlbum && (param.eMode == LUMORA_MODE_BLUR || param.eMode == LUMORA_MODE_TILT_SHIFT);
   if (!isLevel && param.effectRatio < kFullWeight) param.effectRatio = param.effectRatio / 2 + 8;
 }
 

@@ -14,8 +14,10 @@ namespace {
 #define LUMORA_LOOK_MESSAGES(name) \
   LUMORA_MESSAGES("FilterProcessRGBA " name, "FilterProcessNV21 " name, "FilterProcessNV12 " name)
 
-#define LUMORA_LOOK(name, look, block) \
-  { name, routeLook, look, kNoPlane, block, LUMORA_LOOK_MESSAGES(name), {} }
+#define LUMORA_LOOK(name, look, block)                                     \
+  {                                                                        \
+    name, routeLook, look, kNoPlane, block, LUMORA_LOOK_MESSAGES(name), {} \
+  }
 
 constexpr ModeRow kNone{};
 

@@ -7,13 +7,13 @@
 
 namespace lumora {
 
-enum class [[nodiscard]] Status : std::uint32_t {
-  kOk = LUMORA_OK,
-  kBadArgument = LUMORA_BAD_ARGUMENT,
-  kBadState = LUMORA_BAD_STATE,
-  kNoMemory = LUMORA_BAD_STATE,
-  kBadResource = LUMORA_BAD_RESOURCE,
-  kThreadFailed = LUMORA_THREAD_FAILED,
+enum class [[nodiscard]] Status : std::uint32_t{
+    kOk = LUMORA_OK,
+    kBadArgument = LUMORA_BAD_ARGUMENT,
+    kBadState = LUMORA_BAD_STATE,
+    kNoMemory = LUMORA_BAD_STATE,
+    kBadResource = LUMORA_BAD_RESOURCE,
+    kThreadFailed = LUMORA_THREAD_FAILED,
 };
 
 }  // namespace lumora

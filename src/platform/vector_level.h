@@ -33,12 +33,12 @@ void forceVectorLevel(int level);
 // LUMORA_PER_LEVEL(Type, name): declares the constant `name` of every level (defined by the level
 // sources as `const Type name = ...` inside their namespace) and the function name() that gives the
 // one in use. The function has internal linkage so that no level's copy can stand in for another's.
-#define LUMORA_PER_LEVEL(Type, name)                                                          \
-  LUMORA_FOR_EACH_LEVEL(LUMORA_DECLARE_AT_LEVEL_, Type, name)                                 \
-  [[maybe_unused]] static inline const Type& name() {                                         \
-    static constexpr const Type* kLevels[] = {                                                \
-        LUMORA_FOR_EACH_LEVEL(LUMORA_ADDRESS_AT_LEVEL_, Type, name)};                         \
-    return *kLevels[vectorLevel()];                                                           \
+#define LUMORA_PER_LEVEL(Type, name)                                  \
+  LUMORA_FOR_EACH_LEVEL(LUMORA_DECLARE_AT_LEVEL_, Type, name)         \
+  [[maybe_unused]] static inline const Type& name() {                 \
+    static constexpr const Type* kLevels[] = {                        \
+        LUMORA_FOR_EACH_LEVEL(LUMORA_ADDRESS_AT_LEVEL_, Type, name)}; \
+    return *kLevels[vectorLevel()];                                   \
   }
 
 }  // namespace lumora

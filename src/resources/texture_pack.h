@@ -95,9 +95,10 @@ static_assert(kStoredSmallTextures.bytes() == 1500);
 // Their sizes for a picture of width x height. Small pictures give sizes of 0: no marks.
 constexpr SmallTextureSizes smallTextureSizes(std::int64_t width, std::int64_t height) {
   const std::int64_t mean = (width + height) / 2;
-  return {{static_cast<std::int32_t>(mean * 48 / 3000), static_cast<std::int32_t>(mean * 27 / 3000)},
-          {static_cast<std::int32_t>(mean * 17 / 3000),
-           static_cast<std::int32_t>((width + height) / 500)}};
+  return {
+      {static_cast<std::int32_t>(mean * 48 / 3000), static_cast<std::int32_t>(mean * 27 / 3000)},
+      {static_cast<std::int32_t>(mean * 17 / 3000),
+       static_cast<std::int32_t>((width + height) / 500)}};
 }
 
 }  // namespace lumora

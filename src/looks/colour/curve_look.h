@@ -6,20 +6,20 @@
 
 namespace lumora::HWY_NAMESPACE {
 
-template <const BuiltInCurves& kPlain, const Knots (&kStrong)[3]>
+template <const BuiltInCurves& kCurves>
 struct CurveStep : ColourStep {
   RgbCurves curves;
 
-  explicit CurveStep(const LookJob& job) : curves(rampedCurves(job, kPlain, kStrong)) {}
+  explicit CurveStep(const LookJob& job) : curves(rampedCurves(job, kCurves)) {}
 
   HWY_INLINE Rgb operator()(const Pixels<Texture>& p) const {
     return CurveLookup(curves, p.colour);
   }
 };
 
-template <const BuiltInCurves& kPlain, const Knots (&kStrong)[3]>
+template <const BuiltInCurves& kCurves>
 constexpr Look makeCurveLook() {
-  return makeLook<CurveStep<kPlain, kStrong>>(&kPlain);
+  return makeLook<CurveStep<kCurves>>(&kCurves);
 }
 
 }  // namespace lumora::HWY_NAMESPACE

@@ -52,7 +52,8 @@ struct KnotAndStep {
 
 // Knot and step at index 0..15.
 HWY_INLINE KnotAndStep at(const Curve& curve, V8 index) {
-  return {hn::TableLookupBytes(curve.knots, index), split(hn::TableLookupBytes(curve.steps, index))};
+  return {hn::TableLookupBytes(curve.knots, index),
+          split(hn::TableLookupBytes(curve.steps, index))};
 }
 
 HWY_INLINE V8 highNibble(V8 x) {
@@ -68,8 +69,8 @@ HWY_INLINE V8 CurveLookup(const Curve& curve, V8 x) {
   const VI16 mask = hn::Set(di16, 0x7800);
   const VI16 fEven = hn::And(hn::ShiftLeft<11>(pairs), mask);
   const VI16 fOdd = hn::And(hn::ShiftLeft<3>(pairs), mask);
-  return hn::SaturatedAdd(k.knot, join(hn::MulFixedPoint15(k.step.even, fEven),
-                                       hn::MulFixedPoint15(k.step.odd, fOdd)));
+  return hn::SaturatedAdd(
+      k.knot, join(hn::MulFixedPoint15(k.step.even, fEven), hn::MulFixedPoint15(k.step.odd, fOdd)));
 }
 
 // As CurveLookup, truncated: knot + ((step * f) >> 4).

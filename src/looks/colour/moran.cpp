@@ -5,17 +5,16 @@
 namespace lumora::HWY_NAMESPACE {
 namespace {
 
-constexpr BuiltInCurves kPlain{
-    1, {{{1, 17, 36, 57, 78, 101, 125, 148, 170, 189, 205, 218, 228, 238, 246, 252, 255}}}};
-
-constexpr Knots kStrong{
-    {2, 18, 41, 69, 98, 132, 166, 193, 213, 226, 236, 243, 248, 251, 253, 254, 255}};
+// Plain, then strong
+constexpr BuiltInCurves kCurves{
+    1,
+    {{{1, 17, 36, 57, 78, 101, 125, 148, 170, 189, 205, 218, 228, 238, 246, 252, 255}}},
+    {{{2, 18, 41, 69, 98, 132, 166, 193, 213, 226, 236, 243, 248, 251, 253, 254, 255}}}};
 
 struct MoranStep : ColourStep {
   Curve curve;
 
-  explicit MoranStep(const LookJob& job)
-      : curve(RampCurve(blockOrBuiltIn(job, kPlain, 0), kStrong, job.ratio)) {}
+  explicit MoranStep(const LookJob& job) : curve(rampedCurve(job, kCurves, 0)) {}
 
   HWY_INLINE V8 operator()(V8 grey) const { return CurveLookup(curve, grey); }
   HWY_INLINE Rgb operator()(const Pixels<Texture>& p) const {
@@ -31,6 +30,6 @@ void runNvMoran(const LookJob& job) {
 
 }  // namespace
 
-const Look kMoran{runRgba<MoranStep>, runNvMoran, runNvMoran, 0, &kPlain};
+const Look kMoran{runRgba<MoranStep>, runNvMoran, runNvMoran, 0, &kCurves};
 
 }  // namespace lumora::HWY_NAMESPACE

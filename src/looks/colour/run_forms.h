@@ -58,12 +58,14 @@ HWY_INLINE Knots blockOrBuiltIn(const LookJob& job, const BuiltInCurves& builtIn
   return stored.knots();
 }
 
-// The three curves in use, ramped toward the strong ones.
-HWY_INLINE RgbCurves rampedCurves(const LookJob& job, const BuiltInCurves& builtIn,
-                                  const Knots (&strong)[3]) {
-  return {Curve(RampCurve(blockOrBuiltIn(job, builtIn, 0), strong[0], job.ratio)),
-          Curve(RampCurve(blockOrBuiltIn(job, builtIn, 1), strong[1], job.ratio)),
-          Curve(RampCurve(blockOrBuiltIn(job, builtIn, 2), strong[2], job.ratio))};
+// The curves in use, ramped toward the strong ones.
+HWY_INLINE Curve rampedCurve(const LookJob& job, const BuiltInCurves& builtIn, int channel) {
+  const Knots base = blockOrBuiltIn(job, builtIn, channel);
+  return Curve(RampCurve(base, builtIn.strong[channel], job.ratio));
+}
+
+HWY_INLINE RgbCurves rampedCurves(const LookJob& job, const BuiltInCurves& builtIn) {
+  return {rampedCurve(job, builtIn, 0), rampedCurve(job, builtIn, 1), rampedCurve(job, builtIn, 2)};
 }
 
 }  // namespace lumora::HWY_NAMESPACE

@@ -5,18 +5,19 @@
 namespace lumora::HWY_NAMESPACE {
 namespace {
 
-// R, G, B
-constexpr BuiltInCurves kPlain{3, {
-    {{29, 54, 78, 101, 124, 144, 162, 179, 192, 203, 211, 219, 227, 234, 241, 247, 253}},
-    {{33, 52, 69, 86, 102, 121, 141, 158, 174, 187, 198, 208, 216, 224, 232, 239, 246}},
-    {{74, 87, 101, 114, 128, 142, 156, 170, 182, 191, 200, 209, 216, 223, 229, 236, 241}},
-}};
-
-constexpr Knots kStrong[3] = {
-    {{51, 82, 110, 134, 156, 173, 187, 200, 209, 217, 223, 229, 234, 239, 244, 248, 252}},
-    {{51, 71, 88, 107, 124, 144, 163, 177, 190, 200, 208, 216, 222, 228, 234, 239, 244}},
-    {{105, 117, 130, 143, 155, 166, 177, 188, 197, 203, 210, 216, 221, 226, 230, 235, 238}},
-};
+// R, G, B: plain, then strong
+constexpr BuiltInCurves kCurves{
+    3,
+    {
+        {{29, 54, 78, 101, 124, 144, 162, 179, 192, 203, 211, 219, 227, 234, 241, 247, 253}},
+        {{33, 52, 69, 86, 102, 121, 141, 158, 174, 187, 198, 208, 216, 224, 232, 239, 246}},
+        {{74, 87, 101, 114, 128, 142, 156, 170, 182, 191, 200, 209, 216, 223, 229, 236, 241}},
+    },
+    {
+        {{51, 82, 110, 134, 156, 173, 187, 200, 209, 217, 223, 229, 234, 239, 244, 248, 252}},
+        {{51, 71, 88, 107, 124, 144, 163, 177, 190, 200, 208, 216, 222, 228, 234, 239, 244}},
+        {{105, 117, 130, 143, 155, 166, 177, 188, 197, 203, 210, 216, 221, 226, 230, 235, 238}},
+    }};
 
 // One output row of ColourMixMatrix, in 1/128.
 struct MixRow {
@@ -57,7 +58,7 @@ HWY_INLINE Rgb mixChannels(const Rgb& colour) {
 struct TianmeikerenStep : ColourStep {
   RgbCurves curves;
 
-  explicit TianmeikerenStep(const LookJob& job) : curves(rampedCurves(job, kPlain, kStrong)) {}
+  explicit TianmeikerenStep(const LookJob& job) : curves(rampedCurves(job, kCurves)) {}
 
   HWY_INLINE Rgb operator()(const Pixels<Texture>& p) const {
     return CurveLookup(curves, mixChannels(p.colour));
@@ -66,6 +67,6 @@ struct TianmeikerenStep : ColourStep {
 
 }  // namespace
 
-const Look kTianmeikeren = makeLook<TianmeikerenStep>(&kPlain);
+const Look kTianmeikeren = makeLook<TianmeikerenStep>(&kCurves);
 
 }  // namespace lumora::HWY_NAMESPACE

@@ -28,7 +28,7 @@ class TailBlock {
 
  private:
   size_t bytes_ = 0;
-  HWY_ALIGN std::uint8_t block_[kBytesPerPixel > 0 ? kLanes8 * kBytesPerPixel : 1] = {};
+  HWY_ALIGN std::uint8_t block_[kBytesPerPixel > 0 ? kLanes8* kBytesPerPixel : 1] = {};
 };
 
 template <class Texture, class Step>
