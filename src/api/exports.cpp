@@ -50,9 +50,7 @@ bool checkArguments(FilterHandle** handle, const Param* param) {
 
 using namespace lumora;
 
-std::uint32_t getFilterVersion(void) {
-  return kVersionNumber;
-}
+std::uint32_t getFilterVersion(void) { return kVersionNumber; }
 
 std::uint32_t filterInit(FilterHandle** phHandle, FilterInitParam* pstParamInit) {
   static FilterAllocator defaultAllocator = makeDefaultAllocator();

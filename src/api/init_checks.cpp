@@ -9,12 +9,8 @@
 namespace lumora {
 namespace {
 
-void* defaultAllocate(std::uint32_t size, const char*, std::uint32_t) {
-  return std::malloc(size);
-}
-void defaultRelease(void* address, const char*, std::uint32_t) {
-  std::free(address);
-}
+void* defaultAllocate(std::uint32_t size, const char*, std::uint32_t) { return std::malloc(size); }
+void defaultRelease(void* address, const char*, std::uint32_t) { std::free(address); }
 
 // The default pair is constant, so concurrent initialisations only ever hand out its address.
 Status checkAllocator(const InitRequest& request) {
@@ -56,8 +52,6 @@ Status checkInitRequest(const InitRequest& request) {
   return Status::kOk;
 }
 
-FilterAllocator makeDefaultAllocator() {
-  return {defaultAllocate, defaultRelease};
-}
+FilterAllocator makeDefaultAllocator() { return {defaultAllocate, defaultRelease}; }
 
 }  // namespace lumora

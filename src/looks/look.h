@@ -42,12 +42,9 @@ struct Look {
 
   RunForm runForm(PixelFormat format) const {
     switch (format) {
-      case PixelFormat::kNv21:
-        return nv21;
-      case PixelFormat::kNv12:
-        return nv12;
-      default:
-        return rgba;
+      case PixelFormat::kNv21: return nv21;
+      case PixelFormat::kNv12: return nv12;
+      default: return rgba;
     }
   }
 };

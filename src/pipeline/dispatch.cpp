@@ -47,8 +47,6 @@ Status runModeLook(const Call& call, const ModeRow& row, const std::uint8_t* tex
   return reported(call, row, runLook(row.look(), call.picture, inputs, call.threads));
 }
 
-Status routeLook(const Call& call, const ModeRow& row) {
-  return runModeLook(call, row, nullptr);
-}
+Status routeLook(const Call& call, const ModeRow& row) { return runModeLook(call, row, nullptr); }
 
 }  // namespace lumora

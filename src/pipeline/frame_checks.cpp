@@ -12,9 +12,7 @@ constexpr std::int64_t kLongestRectSide = 2000;
 constexpr std::int32_t kShortestRectSide = 8;
 constexpr std::uint32_t kStrongestRatio = 32;
 
-bool sideInRange(std::uint32_t side) {
-  return side >= kShortestSide && side <= kLongestSide;
-}
+bool sideInRange(std::uint32_t side) { return side >= kShortestSide && side <= kLongestSide; }
 
 bool strideHolds(const FilterImage& image, std::int64_t rowBytes) {
   return image.stride >= rowBytes;
@@ -112,8 +110,7 @@ Status checkMosaic(const FilterImage& image, const FilterProcessParam& param, Mo
 
 Status checkFormat(const FilterImage& image) {
   switch (image.eFormat) {
-    case LUMORA_FORMAT_RGBA:
-      return checkRgbaStride(image);
+    case LUMORA_FORMAT_RGBA: return checkRgbaStride(image);
     case LUMORA_FORMAT_NV21:
     case LUMORA_FORMAT_NV12:
       if (image.width % 2 != 0 || image.height % 2 != 0) {
@@ -123,8 +120,7 @@ Status checkFormat(const FilterImage& image) {
         return fail(Status::kBadArgument, "[%s] width or stride error!\n");
       }
       return Status::kOk;
-    default:
-      return fail(Status::kBadArgument, "[%s] fomat error!\n");
+    default: return fail(Status::kBadArgument, "[%s] fomat error!\n");
   }
 }
 

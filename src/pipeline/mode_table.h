@@ -18,12 +18,9 @@ struct FormatMessages {
 
   const char* of(PixelFormat format) const {
     switch (format) {
-      case PixelFormat::kNv21:
-        return nv21;
-      case PixelFormat::kNv12:
-        return nv12;
-      default:
-        return rgba;
+      case PixelFormat::kNv21: return nv21;
+      case PixelFormat::kNv12: return nv12;
+      default: return rgba;
     }
   }
 };

@@ -23,13 +23,9 @@ Stripes splitUnits(std::int64_t units, std::int64_t unitSize) {
 
 }  // namespace
 
-Stripes splitRows(std::int64_t rows) {
-  return splitUnits(rows, 1);
-}
+Stripes splitRows(std::int64_t rows) { return splitUnits(rows, 1); }
 
-Stripes splitRowPairs(std::int64_t rows) {
-  return splitUnits(rows / 2, 2);
-}
+Stripes splitRowPairs(std::int64_t rows) { return splitUnits(rows / 2, 2); }
 
 Stripes splitBytes(std::int64_t bytes) {
   const std::int64_t quarter = bytes / kStripeCount;

@@ -31,17 +31,13 @@ RegularFile::RegularFile(const char* path) {
   if (file_ == nullptr) ::close(descriptor);
 }
 
-bool RegularFile::seekToEnd() {
-  return !faultAt(Step::kSeek) && ::fseeko(file_, 0, SEEK_END) == 0;
-}
+bool RegularFile::seekToEnd() { return !faultAt(Step::kSeek) && ::fseeko(file_, 0, SEEK_END) == 0; }
 
 bool RegularFile::seekToStart() {
   return !faultAt(Step::kSeek) && ::fseeko(file_, 0, SEEK_SET) == 0;
 }
 
-std::int64_t RegularFile::position() {
-  return faultAt(Step::kPosition) ? -1 : ::ftello(file_);
-}
+std::int64_t RegularFile::position() { return faultAt(Step::kPosition) ? -1 : ::ftello(file_); }
 
 std::size_t RegularFile::read(void* destination, std::size_t bytes) {
   if (faultAt(Step::kRead) && bytes > 0) --bytes;
@@ -53,8 +49,6 @@ void RegularFile::close() {
   file_ = nullptr;
 }
 
-void RegularFile::setFault(Fault fault) {
-  injectedFault.store(fault);
-}
+void RegularFile::setFault(Fault fault) { injectedFault.store(fault); }
 
 }  // namespace lumora

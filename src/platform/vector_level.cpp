@@ -35,27 +35,19 @@ bool vectorLevelSupported(int level) {
                       __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512cd") &&
                       __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl");
   switch (level) {
-    case 0:
-      return ssse3;
-    case 1:
-      return avx2;
-    case 2:
-      return avx512;
-    default:
-      return false;
+    case 0: return ssse3;
+    case 1: return avx2;
+    case 2: return avx512;
+    default: return false;
   }
 }
 
 #else
 
-const char* vectorLevelName(int level) {
-  return level == 0 ? "neon" : "none";
-}
+const char* vectorLevelName(int level) { return level == 0 ? "neon" : "none"; }
 
 // NEON is the baseline of the builds for ARM.
-bool vectorLevelSupported(int level) {
-  return level == 0;
-}
+bool vectorLevelSupported(int level) { return level == 0; }
 
 #endif
 
@@ -65,8 +57,6 @@ int vectorLevel() {
   return forced >= 0 ? forced : chosen;
 }
 
-void forceVectorLevel(int level) {
-  forcedLevel.store(level, std::memory_order_relaxed);
-}
+void forceVectorLevel(int level) { forcedLevel.store(level, std::memory_order_relaxed); }
 
 }  // namespace lumora

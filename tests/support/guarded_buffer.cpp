@@ -29,9 +29,7 @@ GuardedBuffer::GuardedBuffer(std::size_t bytes) : bytes_(bytes) {
   std::memset(front_, kCanary, inner - bytes);
 }
 
-GuardedBuffer::~GuardedBuffer() {
-  munmap(mapping_, mappedBytes_);
-}
+GuardedBuffer::~GuardedBuffer() { munmap(mapping_, mappedBytes_); }
 
 bool GuardedBuffer::frontIsIntact() const {
   return std::all_of(front_, data_, [](std::uint8_t byte) { return byte == kCanary; });

@@ -14,18 +14,14 @@ bool isOurs(const char* tag, std::uint32_t flags) {
 
 }  // namespace
 
-TestAllocator::TestAllocator() {
-  current = this;
-}
+TestAllocator::TestAllocator() { current = this; }
 
 TestAllocator::~TestAllocator() {
   for (const auto& block : live_) std::free(block.second);
   current = nullptr;
 }
 
-void TestAllocator::failAt(int n) {
-  failIn_ = n;
-}
+void TestAllocator::failAt(int n) { failIn_ = n; }
 
 void* TestAllocator::allocate(std::uint32_t size, const char* tag, std::uint32_t flags) {
   TestAllocator& self = *current;

@@ -43,9 +43,7 @@ HWY_INLINE V8 join(VI16 even, VI16 odd) {
   return hn::BitCast(d8, hn::Or(even, hn::ShiftLeft<8>(odd)));
 }
 
-HWY_INLINE V8 join(EvenOdd halves) {
-  return join(halves.even, halves.odd);
-}
+HWY_INLINE V8 join(EvenOdd halves) { return join(halves.even, halves.odd); }
 
 HWY_INLINE VI16 clampToByte(VI16 v) {
   return hn::Min(hn::Max(v, hn::Zero(di16)), hn::Set(di16, 255));
