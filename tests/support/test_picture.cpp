@@ -1,0 +1,74 @@
+#include "support/test_picture.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace lumora::test {
+namespace {
+
+std::size_t byteCount(PixelFormat format, int height, std::ptrdiff_t stride) {
+  const auto plane = static_cast<std::size_t>(stride) * static_cast<std::size_t>(height);
+  return format == PixelFormat::kRgba ? plane : plane * 3 / 2;
+}
+
+std::ptrdiff_t strideOf(PixelFormat format, int width, int extraStride) {
+  return std::ptrdiff_t{width} * (format == PixelFormat::kRgba ? 4 : 1) + extraStride;
+}
+
+}  // namespace
+
+TestPicture::TestPicture(PixelFormat format, int width, int height, int extraStride,
+                         std::uint32_t seed)
+    : buffer_(byteCount(format, height, strideOf(format, width, extraStride))),
+      view_{format, buffer_.data(), width, height, strideOf(format, width, extraStride)} {
+  Noise noise(seed);
+  std::generate_n(data(), bytes(), [&] { return noise.byte(); });
+}
+
+FilterImage TestPicture::image() const {
+  return {static_cast<std::uint32_t>(view_.format), view_.data,
+          static_cast<std::uint32_t>(view_.widthPixels),
+          static_cast<std::uint32_t>(view_.heightRows),
+          static_cast<std::int32_t>(view_.strideBytes)};
+}
+
+bool TestPicture::equals(const std::vector<std::uint8_t>& other) const {
+  return other.size() == bytes() && std::memcmp(other.data(), data(), bytes()) == 0;
+}
+
+std::string TestPicture::difference(const std::vector<std::uint8_t>& expected) const {
+  const auto found = std::mismatch(expected.begin(), expected.end(), data());
+  if (found.first == expected.end()) return "none";
+  const auto offset = found.first - expected.begin();
+  return "byte " + std::to_string(offset) + " (row " + std::to_string(offset / view_.strideBytes) +
+         ", " + std::to_string(offset % view_.strideBytes) + " bytes in) is " +
+         std::to_string(*found.second) + ", expected " + std::to_string(*found.first);
+}
+
+void TestPicture::assign(const std::vector<std::uint8_t>& bytes) {
+  std::copy(bytes.begin(), bytes.end(), data());
+}
+
+void TestPicture::fill(std::uint8_t a, std::uint8_t b, std::uint8_t c, std::uint8_t alpha) {
+  for (int y = 0; y < view_.heightRows; ++y) {
+    for (int x = 0; x < view_.widthPixels; ++x) {
+      if (view_.isRgba()) {
+        const std::uint8_t pixel[4] = {a, b, c, alpha};
+        std::memcpy(view_.row(y) + 4 * x, pixel, 4);
+      } else {
+        view_.row(y)[x] = a;
+        if (y % 2 == 0) view_.chroma()[y / 2 * view_.strideBytes + x] = x % 2 == 0 ? b : c;
+      }
+    }
+  }
+}
+
+std::vector<int> supportedLevels() {
+  std::vector<int> levels;
+  for (int level = 0; level < kVectorLevelCount; ++level) {
+    if (vectorLevelSupported(level)) levels.push_back(level);
+  }
+  return levels;
+}
+
+}  // namespace lumora::test

@@ -1,0 +1,70 @@
+// Pictures of any format in guarded memory, and the plain scalar arithmetic that the looks are
+// checked against.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/picture.h"
+#include "platform/vector_level.h"
+#include "support/guarded_buffer.h"
+
+namespace lumora::test {
+
+inline constexpr PixelFormat kFormats[] = {PixelFormat::kRgba, PixelFormat::kNv21,
+                                           PixelFormat::kNv12};
+
+// xorshift32: the same noise everywhere.
+class Noise {
+ public:
+  explicit Noise(std::uint32_t seed) : state_(seed * 2654435761u + 1u) {}
+  std::uint32_t next() {
+    state_ ^= state_ << 13;
+    state_ ^= state_ >> 17;
+    state_ ^= state_ << 5;
+    return state_;
+  }
+  std::uint8_t byte() { return static_cast<std::uint8_t>(next() >> 11); }
+
+ private:
+  std::uint32_t state_;
+};
+
+// A picture whose last byte (padding of the last row included) lies right before an inaccessible
+// page; its address is odd when its size is. Filled with noise, padding and alpha too.
+class TestPicture {
+ public:
+  TestPicture(PixelFormat format, int width, int height, int extraStride = 0,
+              std::uint32_t seed = 1);
+
+  Picture view() const { return view_; }
+  FilterImage image() const;
+  std::uint8_t* data() const { return view_.data; }
+  std::size_t bytes() const { return buffer_.size(); }
+  std::vector<std::uint8_t> snapshot() const { return {data(), data() + bytes()}; }
+  bool equals(const std::vector<std::uint8_t>& other) const;
+  // The first byte that differs, for messages.
+  std::string difference(const std::vector<std::uint8_t>& expected) const;
+  void assign(const std::vector<std::uint8_t>& bytes);
+  // Every pixel this colour (RGBA), or these luma and chroma bytes (NV).
+  void fill(std::uint8_t a, std::uint8_t b, std::uint8_t c, std::uint8_t alpha = 255);
+
+ private:
+  GuardedBuffer buffer_;
+  Picture view_;
+};
+
+// Every vector level this processor has, for parameterised tests.
+std::vector<int> supportedLevels();
+
+// Uses one vector level while it lives.
+class ForcedLevel {
+ public:
+  explicit ForcedLevel(int level) { forceVectorLevel(level); }
+  ~ForcedLevel() { forceVectorLevel(-1); }
+  ForcedLevel(const ForcedLevel&) = delete;
+  ForcedLevel& operator=(const ForcedLevel&) = delete;
+};
+
+}  // namespace lumora::test
