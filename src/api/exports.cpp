@@ -1,5 +1,6 @@
 // The exported functions.
 #include "api/init_checks.h"
+#include "api/record_layout.h"
 #include "lumora/filters.h"
 #include "pipeline/frame_entry.h"
 #include "platform/log.h"

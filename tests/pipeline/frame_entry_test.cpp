@@ -1,0 +1,345 @@
+// The process calls: their checks and the order of them, write-backs, memory, threads.
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "support/captured_log.h"
+#include "support/test_handle.h"
+#include "support/thread_faults.h"
+
+namespace lumora::test {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+// A call as a host would put it together; faults change it.
+struct HostCall {
+  FilterHandle* handle;
+  FilterImage image;
+  FilterAlbumParam album{};
+  bool nullImage = false;
+  bool nullParam = false;
+
+  HostCall(const TestHandle& testHandle, const FilterImage& picture, std::uint32_t mode,
+           int strength = 16)
+      : handle(testHandle.get()), image(picture) {
+    album.stProcess.eMode = mode;
+    album.stProcess.effectRatio = strength;
+  }
+  FilterProcessParam& param() { return album.stProcess; }
+  std::uint32_t process() {
+    return filterProcess(handle, nullImage ? nullptr : &image, nullParam ? nullptr : &param());
+  }
+  std::uint32_t processForAlbum() {
+    return filterProcess_for_album(handle, nullImage ? nullptr : &image,
+                                   nullParam ? nullptr : &album);
+  }
+};
+
+struct Fault {
+  const char* message;
+  std::uint32_t status;
+  std::function<void(HostCall&)> apply;
+};
+
+// The faults of each scene in the order in which the call must find them.
+struct Scene {
+  const char* name;
+  std::uint32_t mode;
+  std::uint32_t format;
+  bool throughAlbum;
+  bool throughProcess;
+  std::vector<Fault> faults;
+};
+
+std::vector<Fault> recordFaults() {
+  return {
+      {"[%s] pstImage is NULL!\n", 256, [](HostCall& c) { c.nullImage = true; }},
+      {"[%s] pstParam is NULL!\n", 256, [](HostCall& c) { c.nullParam = true; }},
+      {"[%s] direction is not correct!\n", 256, [](HostCall& c) { c.param().eDirection = 4; }},
+      {"[%s] width or height is not correct!\n", 256, [](HostCall& c) { c.image.height = 20001; }},
+      {"[%s] initialization error!\n", 512, [](HostCall& c) { c.handle = nullptr; }},
+      {"[%s] picData error!\n", 512, [](HostCall& c) { c.image.picData = nullptr; }},
+      {"[%s] effectRatio error\xA3\xA1\n", 256, [](HostCall& c) { c.param().effectRatio = -1; }},
+  };
+}
+
+std::vector<Scene> scenes() {
+  std::vector<Scene> all;
+  const Fault rgbaStride = {"[%s] width or stride error!\n", 256,
+                            [](HostCall& c) { c.image.stride = 4 * 2100 - 1; }};
+  const Fault unknownFormat = {"[%s] fomat error!\n", 256,
+                               [](HostCall& c) { c.image.eFormat = 4; }};
+
+  Scene look{"look", 12, LUMORA_FORMAT_RGBA, true, true, recordFaults()};
+  look.faults.insert(look.faults.end() - 1,
+                     {"[%s] eMode error!\n", 256, [](HostCall& c) { c.param().eMode = 13; }});
+  look.faults.push_back(rgbaStride);
+  all.push_back(look);
+
+  Scene refused{
+      "album mode in the camera call", 12, LUMORA_FORMAT_RGBA, false, true, recordFaults()};
+  refused.faults.push_back(
+      {"[%s] Current interface do not support Tiltshift\xA1\xA2"
+       "Blur and fixColor. Please use new interface: "
+       "filterProcess_for_album()!\n",
+       256, [](HostCall& c) { c.param().eMode = 19; }});
+  refused.faults.push_back(unknownFormat);
+  all.push_back(refused);
+
+  Scene nv{"NV picture", 12, LUMORA_FORMAT_NV21, true, true, recordFaults()};
+  nv.faults.push_back(
+      {"[%s] width or height error!\n", 256, [](HostCall& c) { c.image.width = 2099; }});
+  nv.faults.push_back(
+      {"[%s] width or stride error!\n", 256, [](HostCall& c) { c.image.stride = -8400; }});
+  all.push_back(nv);
+  nv.format = LUMORA_FORMAT_NV12;
+  all.push_back(nv);
+
+  Scene mosaic{"mosaic", 17, LUMORA_FORMAT_RGBA, true, true, recordFaults()};
+  const Fault mosaicFaults[] = {
+      {"[%s] Rect region is out of picture, Error!\n", 512,
+       [](HostCall& c) { c.param().rectX = INT32_MAX; }},
+      {"[%s] width or height of region is cannot div by 2!\n", 256,
+       [](HostCall& c) { c.param().rectWidth = 7; }},
+      {"[%s] the start possition of Rect region is cannot div by 2! Error!\n", 512,
+       [](HostCall& c) { c.param().rectY = 1; }},
+      {"[%s] the size of region is too small, Error!\n", 512,
+       [](HostCall& c) { c.param().rectHeight = 6; }},
+      {"[%s] the size of region is too big, Error!\n", 512,
+       [](HostCall& c) { c.param().rectWidth = 2002; }},
+      {"[%s] the size of mosaic block is out of range, Error!\n", 512,
+       [](HostCall& c) { c.param().mosaicSize = 7; }},
+  };
+  mosaic.faults.insert(mosaic.faults.end(), std::begin(mosaicFaults), std::end(mosaicFaults));
+  mosaic.faults.push_back(unknownFormat);
+  all.push_back(mosaic);
+
+  Scene tilt{"tilt-shift", 20, LUMORA_FORMAT_RGBA, true, false, recordFaults()};
+  tilt.faults.push_back({"[%s] TiltShitf param error\xA3\xA1\n", 256,
+                         [](HostCall& c) { c.album.stTiltShift.core = -1; }});
+  tilt.faults.push_back(unknownFormat);
+  all.push_back(tilt);
+
+  Scene colourFix{"colour fix", 18, LUMORA_FORMAT_RGBA, true, false, recordFaults()};
+  colourFix.faults.push_back({"[%s] FixColor param error\xA3\xA1Only suport RGBA format!\n", 256,
+                              [](HostCall& c) { c.image.eFormat = LUMORA_FORMAT_NV12; }});
+  colourFix.faults.push_back(rgbaStride);
+  all.push_back(colourFix);
+  return all;
+}
+
+// With two faults at once the one that comes first in the order wins, in both calls.
+TEST(FrameChecks, FindTheFirstOfTwoFaults) {
+  TestAllocator allocator;
+  const TestHandle handle(allocator, {.mode = 14});
+  std::uint8_t neverTouched = 0;
+  for (const Scene& scene : scenes()) {
+    const bool isRgba = scene.format == LUMORA_FORMAT_RGBA;
+    const FilterImage image{scene.format, &neverTouched, 2100, 2100, isRgba ? 8400 : 2100};
+    for (std::size_t i = 0; i < scene.faults.size(); ++i) {
+      for (std::size_t j = i; j < scene.faults.size(); ++j) {
+        SCOPED_TRACE(testing::Message() << scene.name << ", faults " << i << " and " << j);
+        HostCall call(handle, image, scene.mode);
+        call.param().rectWidth = call.param().rectHeight = 16;
+        call.param().mosaicSize = 8;
+        scene.faults[j].apply(call);
+        scene.faults[i].apply(call);
+        for (const bool album : {false, true}) {
+          if (album ? !scene.throughAlbum : !scene.throughProcess) continue;
+          const CapturedLog log;
+          HostCall copy = call;
+          EXPECT_EQ(album ? copy.processForAlbum() : copy.process(), scene.faults[i].status);
+          EXPECT_EQ(log.errors(), Texts{scene.faults[i].message});
+        }
+      }
+    }
+  }
+  EXPECT_TRUE(allocator.requests().empty());
+}
+
+TEST(FrameChecks, AcceptTheLimitsOfEveryRange) {
+  TestAllocator allocator;
+  const TestHandle handle(allocator, {.mode = 14});
+  TestPicture picture(PixelFormat::kRgba, 88, 88);
+  for (const std::uint32_t mode : {1u, 12u, 17u}) {
+    HostCall call(handle, picture.image(), mode, 32);
+    call.param().rectWidth = call.param().rectHeight = 8;
+    call.param().mosaicSize = 8;
+    call.param().eDirection = 3;
+    EXPECT_EQ(call.process(), 0u) << "a handle for one texture look refuses mode " << mode;
+  }
+  for (const std::uint32_t side : {0u, 87u, 20001u, UINT32_MAX}) {
+    HostCall call(handle, picture.image(), 12);
+    call.image.width = side;
+    EXPECT_EQ(call.process(), 256u) << side;
+  }
+}
+
+TEST(FrameChecks, RefuseUnknownModesAfterTheCopy) {
+  TestAllocator allocator;
+  const TestHandle handle(allocator, {});
+  TestPicture picture(PixelFormat::kNv12, 88, 88);
+  const auto before = picture.snapshot();
+  for (const std::uint32_t mode : {0u, 21u, 4000000000u}) {
+    const CapturedLog log;
+    HostCall call(handle, picture.image(), mode, 3);
+    call.param().singleThread = 1;
+    EXPECT_EQ(call.process(), 256u);
+    EXPECT_EQ(log.errors(), (Texts{"[%s] mode error!\n", "[%s] process failed!\n"}));
+  }
+  EXPECT_EQ(allocator.requests().size(), 3u);
+  EXPECT_EQ(allocator.liveBlocks(), 1) << "the handle alone";
+  EXPECT_TRUE(picture.equals(before));
+}
+
+struct Strength {
+  int given;
+  int rewritten;
+  bool copied;
+};
+
+TEST(Strength, IsRewrittenAndDecidesAboutTheCopy) {
+  TestAllocator allocator;
+  const TestHandle handle(allocator, {});
+  const Strength cases[] = {{0, 8, true},   {1, 8, true},    {8, 12, true},   {12, 14, true},
+                            {15, 15, true}, {16, 16, false}, {17, 17, false}, {32, 32, false}};
+  for (const Strength& s : cases) {
+    for (const PixelFormat format : kFormats) {
+      TestPicture picture(format, 90, 88, 7);
+      allocator.clearRequests();
+      HostCall call(handle, picture.image(), 12, s.given);
+      ASSERT_EQ(call.process(), 0u);
+      EXPECT_EQ(call.param().effectRatio, s.rewritten);
+      const auto request = static_cast<std::uint32_t>(picture.bytes() + 16);
+      EXPECT_EQ(allocator.requests(),
+                s.copied ? std::vector<std::uint32_t>{request} : std::vector<std::uint32_t>{});
+      EXPECT_EQ(allocator.liveBlocks(), 1) << "the handle alone";
+    }
+  }
+}
+
+// The blended result is the mix of the full look and the untouched picture; both thread counts and
+// both calls give the same bytes.
+TEST(Strength, BlendsTheLookWithTheUntouchedPicture) {
+  TestAllocator allocator;
+  const TestHandle handle(allocator, {});
+  for (const PixelFormat format : kFormats) {
+    for (const int strength : {0, 5, 15}) {
+      TestPicture full(format, 90, 88, 9), weak(format, 90, 88, 9), single(format, 90, 88, 9);
+      const auto untouched = full.snapshot();
+      HostCall fullCall(handle, full.image(), 2);
+      HostCall weakCall(handle, weak.image(), 2, strength);
+      HostCall singleCall(handle, single.image(), 2, strength);
+      singleCall.param().singleThread = 1;
+      ASSERT_EQ(fullCall.process(), 0u);
+      ASSERT_EQ(weakCall.process(), 0u);
+      ASSERT_EQ(singleCall.processForAlbum(), 0u);
+      const int weight = strength / 2 + 8;
+      auto expected = untouched;
+      for (std::size_t i = 0; i < expected.size(); ++i) {
+        expected[i] = static_cast<std::uint8_t>(
+            (untouched[i] * (16 - weight) + full.data()[i] * weight + 8) >> 4);
+      }
+      EXPECT_TRUE(weak.equals(expected)) << weak.difference(expected);
+      EXPECT_TRUE(single.equals(expected)) << single.difference(expected);
+    }
+  }
+}
+
+struct CopyFailure {
+  PixelFormat format;
+  const char* message;
+};
+
+TEST(Memory, AFailedCopyLeavesThePictureAlone) {
+  TestAllocator allocator;
+  const TestHandle handle(allocator, {});
+  const CopyFailure cases[] = {{PixelFormat::kRgba, "[%s] can't malloc enough memory\n"},
+                               {PixelFormat::kNv21, "[%s] Mem malloc error!\n"},
+                               {PixelFormat::kNv12, "[%s] can't malloc enough memory\n"}};
+  for (const CopyFailure& c : cases) {
+    TestPicture picture(c.format, 88, 88);
+    const auto before = picture.snapshot();
+    const CapturedLog log;
+    allocator.failAt(1);
+    HostCall call(handle, picture.image(), 12, 0);
+    EXPECT_EQ(call.process(), 512u);
+    EXPECT_EQ(log.errors(), Texts{c.message});
+    EXPECT_TRUE(picture.equals(before));
+  }
+}
+
+TEST(Memory, AByteCountBeyondTheAllocatorsSizeIsExhaustedMemory) {
+  TestAllocator allocator;
+  const TestHandle handle(allocator, {});
+  std::uint8_t neverTouched = 0;
+  for (const std::uint32_t format : {LUMORA_FORMAT_RGBA, LUMORA_FORMAT_NV12}) {
+    for (const std::int32_t stride : {INT32_MAX, 214749}) {
+      HostCall call(handle, {format, &neverTouched, 88, 20000, stride}, 12, 0);
+      EXPECT_EQ(call.process(), 512u);
+    }
+  }
+  EXPECT_TRUE(allocator.requests().empty());
+}
+
+// Each of the look's and the blend's four workers missing in turn.
+TEST(Threads, AMissingWorkerFailsTheCallAfterTheOthersHaveRun) {
+  TestAllocator allocator;
+  const TestHandle handle(allocator, {});
+  for (const PixelFormat format : kFormats) {
+    for (unsigned worker = 0; worker < 8; ++worker) {
+      TestPicture picture(format, 88, 88);
+      const ThreadFaults faults(1u << worker);
+      const CapturedLog log;
+      HostCall call(handle, picture.image(), 12, 0);
+      EXPECT_EQ(call.process(), 4096u);
+      EXPECT_EQ(ThreadFaults::startCount(), 8) << "the blend runs even after a failed look";
+      Texts expected{"[%s] pthread_create error!\n", "[%s]  Error threadID = %d!"};
+      if (worker < 4) {
+        expected.push_back(format == PixelFormat::kRgba ? "[%s] FilterProcessRGBA HEIBAI failed!\n"
+                           : format == PixelFormat::kNv21
+                               ? "[%s] FilterProcessNV21 HEIBAI failed!\n"
+                               : "[%s] FilterProcessNV12 HEIBAI failed!\n");
+      }
+      expected.push_back("[%s] process failed!\n");
+      EXPECT_EQ(log.errors(), expected);
+      EXPECT_EQ(allocator.liveBlocks(), 1);
+    }
+  }
+}
+
+TEST(Threads, TheCallingThreadAloneStartsNone) {
+  TestAllocator allocator;
+  const TestHandle handle(allocator, {});
+  const ThreadFaults faults(0);
+  for (const PixelFormat format : kFormats) {
+    TestPicture picture(format, 88, 88);
+    HostCall call(handle, picture.image(), 2, 3);
+    call.param().singleThread = -1;
+    EXPECT_EQ(call.process(), 0u);
+  }
+  EXPECT_EQ(ThreadFaults::startCount(), 0);
+}
+
+TEST(StandardOutput, CarriesTwoLinesAroundTheFourThreadedNv12Step) {
+  TestAllocator allocator;
+  const TestHandle handle(allocator, {});
+  for (const PixelFormat format : kFormats) {
+    for (const int singleThread : {0, 1}) {
+      TestPicture picture(format, 88, 88);
+      HostCall call(handle, picture.image(), 12);
+      call.param().singleThread = singleThread;
+      testing::internal::CaptureStdout();
+      call.process();
+      const bool traced = format == PixelFormat::kNv12 && singleThread == 0;
+      EXPECT_EQ(testing::internal::GetCapturedStdout(),
+                traced ? "Before FilterProcessNV12_multiThred!\n"
+                         "After FilterProcessNV12_multiThred!\n"
+                       : "");
+    }
+  }
+}
+
+}  // namespace
+}  // namespace lumora::test

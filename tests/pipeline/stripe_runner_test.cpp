@@ -1,0 +1,104 @@
+// The four split rules and the four-worker fan-out.
+#include "pipeline/stripe_runner.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+#include "support/captured_log.h"
+#include "support/thread_faults.h"
+
+namespace lumora::test {
+namespace {
+
+struct SplitCase {
+  Stripes (*split)(std::int64_t);
+  std::int64_t total;
+  std::array<std::int64_t, kStripeCount> counts;
+};
+
+TEST(StripeSplit, CutsByTheFourRules) {
+  const SplitCase cases[] = {
+      {splitRows, 90, {23, 23, 22, 22}},
+      {splitRows, 88, {22, 22, 22, 22}},
+      {splitRows, 10, {3, 3, 2, 2}},
+      {splitRowPairs, 90, {24, 22, 22, 22}},
+      {splitRowPairs, 88, {22, 22, 22, 22}},
+      {splitBytes, 103, {25, 25, 25, 28}},
+      {splitRoundedUp, 5, {2, 2, 1, 0}},
+      {splitRoundedUp, 1, {1, 0, 0, 0}},
+      {splitRoundedUp, 1080, {270, 270, 270, 270}},
+      {splitRoundedUp, 6, {2, 2, 2, 0}},
+  };
+  for (const SplitCase& c : cases) {
+    const Stripes stripes = c.split(c.total);
+    std::int64_t first = 0;
+    for (int k = 0; k < kStripeCount; ++k) {
+      SCOPED_TRACE(testing::Message() << "case " << &c - cases << " stripe " << k);
+      EXPECT_EQ(stripes[k].count, c.counts[k]);
+      EXPECT_EQ(stripes[k].first, first);
+      first += c.counts[k];
+    }
+    EXPECT_EQ(first, c.total);
+  }
+}
+
+struct Visit {
+  std::atomic<int>* visits;
+  std::thread::id caller;
+};
+
+void visit(const Visit& v) {
+  if (std::this_thread::get_id() != v.caller) ++*v.visits;
+}
+
+TEST(StripeRunner, RunsEachRecordOnItsOwnThread) {
+  std::atomic<int> visits[kStripeCount]{};
+  std::array<Visit, kStripeCount> records;
+  for (int k = 0; k < kStripeCount; ++k) records[k] = {&visits[k], std::this_thread::get_id()};
+  EXPECT_EQ(StripeRunner::run(visit, records), Status::kOk);
+  for (const auto& v : visits) EXPECT_EQ(v, 1);
+}
+
+// Every combination of missing workers: the others run to their end, and each missing one is named.
+TEST(StripeRunner, ReportsEachMissingWorkerAndJoinsTheOthers) {
+  for (unsigned mask = 1; mask < 16; ++mask) {
+    SCOPED_TRACE(mask);
+    std::atomic<int> visits[kStripeCount]{};
+    std::array<Visit, kStripeCount> records;
+    for (int k = 0; k < kStripeCount; ++k) records[k] = {&visits[k], std::this_thread::get_id()};
+    const ThreadFaults faults(mask);
+    const CapturedLog log;
+    EXPECT_EQ(StripeRunner::run(visit, records), Status::kThreadFailed);
+    EXPECT_EQ(ThreadFaults::startCount(), kStripeCount);
+
+    std::vector<std::string> expected{"[FILTER_LOG] pthread_create error!\n"};
+    for (int k = 0; k < kStripeCount; ++k) {
+      const bool missing = (mask >> k & 1u) != 0;
+      EXPECT_EQ(visits[k], missing ? 0 : 1);
+      if (missing) expected.push_back("[FILTER_LOG]  Error threadID = " + std::to_string(k) + "!");
+    }
+    std::vector<std::string> texts;
+    for (const CapturedLog::Line& line : log.lines()) {
+      EXPECT_EQ(line.priority, 6);
+      EXPECT_EQ(line.tag, "filter");
+      texts.push_back(line.text);
+    }
+    EXPECT_EQ(texts, expected);
+  }
+}
+
+TEST(StripeRunner, LogsTheInitialisationsOwnMessage) {
+  std::atomic<int> visits{0};
+  std::array<Visit, kStripeCount> records;
+  records.fill({&visits, std::this_thread::get_id()});
+  const ThreadFaults faults(1u << 2);
+  const CapturedLog log;
+  EXPECT_EQ(StripeRunner::run(visit, records, kInitialisationThreadFailure), Status::kThreadFailed);
+  EXPECT_EQ(log.errors(), (std::vector<std::string>{"[%s] \npthread_create error!",
+                                                    "[%s]  Error threadID = %d!"}));
+}
+
+}  // namespace
+}  // namespace lumora::test
