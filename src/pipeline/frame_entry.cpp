@@ -102,9 +102,9 @@ Status processFrame(FilterHandle* handle, const FilterImage* image, FilterProces
                                          ? "[%s] Mem malloc error!\n"
                                          : "[%s] can't malloc enough memory\n");
     }
-    std::memcpy(copy.data(), image->picData, bytes);
+    std::memcpy(copy.data(), image->picData, static_cast<std::size_t>(bytes));
   }
-  return filterAndBlend(call, copy, bytes);
+  return filterAndBlend(call, copy, static_cast<std::size_t>(bytes));
 }
 
 }  // namespace lumora

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <sstream>
 
 namespace lumora::test {
 namespace {
@@ -40,9 +41,11 @@ std::string TestPicture::difference(const std::vector<std::uint8_t>& expected) c
   const auto found = std::mismatch(expected.begin(), expected.end(), data());
   if (found.first == expected.end()) return "none";
   const auto offset = found.first - expected.begin();
-  return "byte " + std::to_string(offset) + " (row " + std::to_string(offset / view_.strideBytes) +
-         ", " + std::to_string(offset % view_.strideBytes) + " bytes in) is " +
-         std::to_string(*found.second) + ", expected " + std::to_string(*found.first);
+  std::ostringstream text;
+  text << "byte " << offset << " (row " << offset / view_.strideBytes << ", "
+       << offset % view_.strideBytes << " bytes in) is " << int{*found.second} << ", expected "
+       << int{*found.first};
+  return text.str();
 }
 
 void TestPicture::assign(const std::vector<std::uint8_t>& bytes) {
