@@ -1,11 +1,23 @@
 #include "platform/vector_level.h"
 
+#if defined(__x86_64__)
+#include <cpuid.h>
+#endif
+
 #include <atomic>
 
 namespace lumora {
 namespace {
 
 std::atomic<int> forcedLevel{-1};
+
+#if defined(__x86_64__)
+// Half floats have no name in every compiler's check; their registers are those of AVX.
+bool hasF16c() {
+  unsigned a = 0, b = 0, c = 0, d = 0;
+  return __get_cpuid(1, &a, &b, &c, &d) != 0 && (c & bit_F16C) != 0;
+}
+#endif
 
 int highestSupportedLevel() {
   for (int level = kVectorLevelCount - 1; level >= 0; --level) {
@@ -30,7 +42,7 @@ bool vectorLevelSupported(int level) {
   const bool ssse3 = __builtin_cpu_supports("ssse3");
   const bool avx2 = ssse3 && __builtin_cpu_supports("sse4.2") && __builtin_cpu_supports("avx2") &&
                     __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2") &&
-                    __builtin_cpu_supports("fma") && __builtin_cpu_supports("f16c");
+                    __builtin_cpu_supports("fma") && hasF16c();
   const bool avx512 = avx2 && __builtin_cpu_supports("avx512f") &&
                       __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512cd") &&
                       __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl");
