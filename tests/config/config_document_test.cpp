@@ -1,0 +1,234 @@
+#include "config/config_document.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "config/config_support.h"
+#include "config/encoding.h"
+#include "config/numbers.h"
+#include "platform/regular_file.h"
+
+namespace lumora::test {
+namespace {
+
+constexpr const char* kParam = "/Config/filterB/param2";
+
+std::string withParam(const std::string& text) {
+  return document("<filterB><param2>" + text + "</param2></filterB>");
+}
+
+TEST(ConfigDocument, FindsElementsByPathWithoutRegardToCase) {
+  const TemporaryFile file(document("<FILTERB><Param2>7</Param2><param2>8</param2></FILTERB>"));
+  ConfigDocument document;
+  ASSERT_TRUE(document.load(file.path()));
+  EXPECT_EQ(document.fileOutcome().status, XmlStatus::kNoError);
+  for (const char* path : {"/Config/filterB/param2", "/config/filterb/PARAM2"}) {
+    EXPECT_EQ(document.readInt(path, 0), 7) << path;
+  }
+  for (const char* path : {"Config/filterB/param2", "/filterB/param2", "/Config/filterB/",
+                           "/Config//filterB", "/Config/filterB/param2/x", "/", ""}) {
+    EXPECT_TRUE(document.findByPath(path).isEmpty()) << path;
+  }
+  EXPECT_TRUE(document.findByPath(nullptr).isEmpty());
+}
+
+TEST(ConfigDocument, LimitsTheLengthOfPathsAndFileNames) {
+  const std::string name(246, 'x');  // "/Config/" and the name: 254 characters
+  const TemporaryFile file(
+      document("<" + name + ">7</" + name + "><" + name + "y>8</" + name + "y>"));
+  ConfigDocument document;
+  ASSERT_TRUE(document.load(file.path()));
+  EXPECT_EQ(document.readInt(("/Config/" + name).c_str(), 0), 7);
+  EXPECT_EQ(document.readInt(("/Config/" + name + "y").c_str(), 0), 0);
+
+  EXPECT_TRUE(ConfigDocument().load(std::string(255, 'x').c_str()));
+  EXPECT_FALSE(ConfigDocument().load(std::string(256, 'x').c_str()));
+  EXPECT_FALSE(ConfigDocument().load(nullptr));
+  EXPECT_FALSE(ConfigDocument().load(""))
+      << "the name of the document held at first, which is none";
+}
+
+TEST(ConfigDocument, ReplacesABadFileByAnEmptyConfigElement) {
+  const std::string good = withParam("7");
+  struct Case {
+    const char* what;
+    std::string bytes;
+    int status;
+    const char* config;  // what stands at /Config
+  };
+  const Case cases[] = {
+      {"empty", "", 3, "Config()"},
+      {"shorter than 200 bytes", good.substr(0, 199), 3, "Config()"},
+      {"200 bytes", paddedTo(200, good), 0, "Config(filterB(param2(\"7\")))"},
+      {"malformed", good + "<", 4, "Config()"},
+      {"unknown entity", withParam("&nbsp;"), 12, "Config()"},
+      {"unclosed", paddedTo(200, "<?xml?><Config><a>1</a>"), 1, "Config(a(\"1\"))"},
+      {"no declaration", paddedTo(200, "<Config><a>1</a></Config>"), 0, "empty"},
+      {"no element", std::string(200, ' '), 2, "empty"},
+      {"order mark", "\xEF\xBB\xBF" + good, 0, "Config(filterB(param2(\"7\")))"},
+      {"ends at a zero byte", good + std::string("\0<", 2), 0, "Config(filterB(param2(\"7\")))"},
+  };
+  for (const Case& c : cases) {
+    const TemporaryFile file(c.bytes);
+    ConfigDocument document;
+    EXPECT_TRUE(document.load(file.path())) << c.what;
+    EXPECT_EQ(static_cast<int>(document.fileOutcome().status), c.status) << c.what;
+    EXPECT_EQ(dump(document.findByPath("/Config")), c.config) << c.what;
+  }
+  ConfigDocument missing;
+  EXPECT_TRUE(missing.load("/nonexistent/filter.xml"));
+  EXPECT_EQ(missing.fileOutcome().status, XmlStatus::kFileNotFound);
+  EXPECT_EQ(dump(missing.findByPath("/Config")), "Config()");
+}
+
+TEST(ConfigDocument, KeepsTheTreeOfTheFileItHolds) {
+  const TemporaryFile first(withParam("7"));
+  const TemporaryFile second(withParam("8"));
+  ConfigDocument document;
+  ASSERT_TRUE(document.load(first.path()));
+  first.rewrite(withParam("9"));
+  ASSERT_TRUE(document.load(first.path()));
+  EXPECT_EQ(document.readInt(kParam, 0), 7);
+  ASSERT_TRUE(document.load(second.path()));
+  EXPECT_EQ(document.readInt(kParam, 0), 8);
+}
+
+TEST(ConfigDocument, TakesTheLastGuessedEncodingWhereNoneCanBeGuessed) {
+  // "\x83<" is one character in Shift-JIS and the start of a tag in single bytes.
+  const std::string body = "<Config><a>\x83<7</a><b>8</b></Config>";
+  const TemporaryFile shiftJis(paddedTo(200, "<?xml encoding='sjis'?>" + body));
+  const TemporaryFile singleByte(paddedTo(200, "<?xml encoding='latin'?>" + body));
+  const TemporaryFile unknown(paddedTo(200, "<?xml encoding='utf-8'?>" + body + "\xC3("));
+  for (const TemporaryFile* before : {&shiftJis, &singleByte}) {
+    ConfigDocument guessed, document;
+    ASSERT_TRUE(guessed.load(before->path()));
+    ASSERT_TRUE(document.load(unknown.path()));
+    EXPECT_EQ(document.readInt("/Config/b", 0), before == &shiftJis ? 8 : 0);
+    EXPECT_EQ(document.fileOutcome().status, guessed.fileOutcome().status);
+  }
+}
+
+RegularFile::Step failingStep;
+int failingTime;
+
+// Fails one step, the first or the second time it is reached.
+bool failOnce(RegularFile::Step step) { return step == failingStep && --failingTime == 0; }
+
+TEST(ConfigDocument, TreatsAFailingReadAsABadFile) {
+  using Step = RegularFile::Step;
+  struct Case {
+    Step step;
+    int time;
+    int status;
+  };
+  // The file is opened and read twice: for the guess, and as a whole.
+  const Case cases[] = {{Step::kOpen, 1, 0},    {Step::kOpen, 2, 10}, {Step::kRead, 1, 3},
+                        {Step::kRead, 2, 3},    {Step::kSeek, 1, 3},  {Step::kSeek, 2, 3},
+                        {Step::kPosition, 1, 3}};
+  const TemporaryFile file(paddedTo(200, "<?xml?><Config/>"));
+  for (const Case& c : cases) {
+    failingStep = c.step;
+    failingTime = c.time;
+    RegularFile::setFault(failOnce);
+    ConfigDocument document;
+    EXPECT_TRUE(document.load(file.path()));
+    RegularFile::setFault(nullptr);
+    EXPECT_EQ(static_cast<int>(document.fileOutcome().status), c.status)
+        << static_cast<int>(c.step) << ", time " << c.time;
+  }
+}
+
+TEST(Numbers, ReadTheIntegerATextBeginsWith) {
+  constexpr std::int32_t kDefault = -77;
+  struct Case {
+    const char* text;
+    std::int32_t expected;
+  };
+  const Case cases[] = {
+      {"12", 12},
+      {"  +12", 12},
+      {"\v\f\t-12abc", -12},
+      {"007", 7},
+      {"0x10", 0},
+      {"3.9", 3},
+      {"abc", kDefault},
+      {"", kDefault},
+      {"-", kDefault},
+      {"- 1", kDefault},
+      {"+-1", kDefault},
+      {"2147483647", INT32_MAX},
+      {"2147483648", INT32_MAX},
+      {"-2147483648", INT32_MIN},
+      {"-2147483649", INT32_MIN},
+      {"99999999999999999999999", INT32_MAX},
+      {"-99999999999999999999999", INT32_MIN},
+  };
+  for (const Case& c : cases) {
+    std::int32_t value = kDefault;
+    EXPECT_EQ(readLeadingInt(c.text, value), c.expected != kDefault) << c.text;
+    EXPECT_EQ(value, c.expected) << c.text;
+  }
+}
+
+template <class T>
+void expectNumbers(const char* text, int read, const std::vector<T>& expected) {
+  std::vector<T> out(expected.size(), 99);
+  EXPECT_EQ(readNumbers(text, out.data(), static_cast<int>(out.size())), read) << text;
+  EXPECT_EQ(out, expected) << text;
+}
+
+TEST(Numbers, ReadListsUntilSomethingElseComes) {
+  using U = std::uint32_t;
+  expectNumbers<U>("1 2\t3", 3, {1, 2, 3, 99, 99});
+  expectNumbers<U>("1\r\n2 3 4", 3, {1, 2, 3});
+  expectNumbers<U>("1,2", 1, {1, 99});
+  expectNumbers<U>("1 x 2", 1, {1, 99, 99});
+  expectNumbers<U>("0x5", 1, {0, 99});
+  expectNumbers<U>("", 0, {99});
+  expectNumbers<U>("1-2+3", 3, {1, UINT32_MAX - 1, 3});
+  expectNumbers<U>("-1 -4294967295 -0", 3, {UINT32_MAX, 1, 0});
+  expectNumbers<U>("4294967295 1", 2, {UINT32_MAX, 1});
+  // A number out of range becomes the limit, and ends the list.
+  expectNumbers<U>("7 4294967296 1", 2, {7, UINT32_MAX, 99});
+  expectNumbers<U>("-4294967296 1", 1, {UINT32_MAX, 99});
+  expectNumbers<std::int32_t>("-5 2147483648 1", 2, {-5, INT32_MAX, 99});
+  expectNumbers<std::int32_t>("-2147483649 1", 1, {INT32_MIN, 99});
+  expectNumbers<std::int16_t>("-32768 32767 32768 1", 3, {-32768, 32767, 32767, 99});
+  expectNumbers<std::int16_t>("-99999 1", 1, {-32768, 99});
+}
+
+TEST(ConfigDocument, ReadsNumbersOfTheFirstText) {
+  const TemporaryFile file(
+      document("<a>\n  5 -6 <b/>7</a><word>x5</word><none/><section><![CDATA[5]]></section>"));
+  ConfigDocument document;
+  ASSERT_TRUE(document.load(file.path()));
+  std::uint32_t words[3] = {9, 9, 9};
+  std::int32_t ints[3] = {9, 9, 9};
+  std::int16_t shorts[3] = {9, 9, 9};
+  int read = -1;
+  EXPECT_TRUE(document.readUInt32List("/Config/a", words, 3, &read));
+  EXPECT_EQ(read, 2);
+  EXPECT_TRUE(document.readInt32List("/Config/a", ints, 3));
+  EXPECT_TRUE(document.readInt16List("/Config/a", shorts, 3));
+  EXPECT_EQ(words[1], 0u - 6);
+  EXPECT_EQ(ints[1], -6);
+  EXPECT_EQ(shorts[1], -6);
+  EXPECT_EQ(words[2] + ints[2] + shorts[2], 27u);
+
+  EXPECT_EQ(document.readInt("/Config/a", 1), 5);
+  EXPECT_EQ(document.readInt("/Config/word", 1), 1);
+  EXPECT_EQ(document.readInt("/Config/none", 1), 1);
+  EXPECT_EQ(document.readInt("/Config/missing", 1), 1);
+  EXPECT_TRUE(document.readUInt32List("/Config/word", words, 3, &read));
+  EXPECT_EQ(read, 0);
+  for (const char* path : {"/Config/none", "/Config/missing", "/Config/section"}) {
+    EXPECT_FALSE(document.readUInt32List(path, words, 3)) << path;
+  }
+  EXPECT_EQ(words[0], 5u);
+}
+
+}  // namespace
+}  // namespace lumora::test
