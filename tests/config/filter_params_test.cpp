@@ -1,0 +1,273 @@
+#include "config/filter_params.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "config/config_support.h"
+#include "config/tuning_text.h"
+#include "support/captured_log.h"
+
+namespace lumora::test {
+namespace {
+
+// 0 16 32 ... 240 255
+constexpr Knots kStraight = {
+    {0, 16, 32, 48, 64, 80, 96, 112, 128, 144, 160, 176, 192, 208, 224, 240, 255}};
+
+std::string textOf(const Knots& knots) {
+  std::string text;
+  for (const int knot : knots.at) text += std::to_string(knot) + " ";
+  return text;
+}
+
+const std::string kStraightText = textOf(kStraight);
+
+// A knot changed to any text.
+std::string withKnot(int index, const std::string& value) {
+  std::string text;
+  for (int k = 0; k < kKnotCount; ++k) {
+    text += (k == index ? value : std::to_string(kStraight.at[k])) + " ";
+  }
+  return text;
+}
+
+std::string param(int n, const std::string& text) {
+  const std::string name = "param" + std::to_string(n);
+  return "<" + name + ">" + text + "</" + name + ">";
+}
+
+std::string group(char letter, const std::string& params) {
+  const std::string name = std::string("filter") + letter;
+  return "<" + name + ">" + params + "</" + name + ">";
+}
+
+std::string threeCurves(const std::string& third = kStraightText) {
+  return param(1, kStraightText) + param(2, kStraightText) + param(3, third);
+}
+
+struct Reading {
+  FilterParams params;
+  TuningReport report;
+
+  explicit Reading(const std::string& fileText) {
+    const TemporaryFile file(fileText);
+    std::memset(params.bytes, 0xEE, sizeof params.bytes);
+    EXPECT_EQ(readFilterParams(params.bytes, file.path(), report), Status::kOk);
+    FilterParams again;
+    EXPECT_EQ(readFilterParams(again.bytes, file.path()), Status::kOk);
+    EXPECT_EQ(std::memcmp(params.bytes, again.bytes, sizeof params.bytes), 0);
+  }
+
+  const std::uint8_t* block(char letter) const {
+    return params.bytes + kTuningBlocks[letter - 'A'].offset;
+  }
+  std::string why(char letter) const { return describeBlock(report, letter - 'A'); }
+  // The letters of the blocks in use, by flag and by report.
+  std::string inUse() const {
+    std::string letters;
+    for (int i = 0; i < kTuningBlockCount; ++i) {
+      const int flag = params.bytes[kTuningBlocks[i].offset];
+      EXPECT_EQ(flag, report.blocks[i].state == BlockState::kInUse ? 0 : 1) << i;
+      if (flag == 0) letters += kTuningBlocks[i].letter;
+    }
+    return letters;
+  }
+  // Every byte outside these ranges is 1.
+  void expectOnesOutside(std::vector<std::pair<int, int>> ranges) const {
+    for (int i = 0; i < static_cast<int>(sizeof params.bytes); ++i) {
+      const bool inside = std::any_of(ranges.begin(), ranges.end(), [i](const auto& range) {
+        return i >= range.first && i < range.second;
+      });
+      ASSERT_TRUE(inside || params.bytes[i] == 1) << "byte " << i;
+    }
+  }
+};
+
+std::vector<std::uint8_t> bytes(const std::uint8_t* from, std::size_t count) {
+  return {from, from + count};
+}
+
+TEST(FilterParams, LieWhereTheLooksExpectThem) {
+  const int offsets[] = {0, 25, 98, 171, 244, 249, 322, 395, 468, 543, 616, 689, 762};
+  const int modes[] = {1, 2, 3, 4, 5, 7, 9, 10, 11, 13, 14, 15, 16};
+  for (int i = 0; i < kTuningBlockCount; ++i) {
+    EXPECT_EQ(kTuningBlocks[i].letter, 'A' + i);
+    EXPECT_EQ(tuningOffsetOf(static_cast<std::uint32_t>(modes[i])), offsets[i]) << modes[i];
+  }
+  for (const std::uint32_t mode : {0u, 6u, 8u, 12u, 17u, 20u, 0xFFFFFFFFu}) {
+    EXPECT_EQ(tuningOffsetOf(mode), -1) << mode;
+  }
+}
+
+TEST(FilterParams, HaveOnlyScalarsWithoutADocument) {
+  Reading reading("");
+  EXPECT_EQ(reading.inUse(), "E");
+  EXPECT_EQ(bytes(reading.block('E'), 5), (std::vector<std::uint8_t>{0, 255, 230, 172, 0}));
+  EXPECT_EQ(bytes(reading.block('I'), 4), (std::vector<std::uint8_t>{1, 4, 2, 1}));
+  reading.expectOnesOutside({{244, 249}, {469, 471}});
+}
+
+TEST(FilterParams, StoreCurvesAsTriples) {
+  std::string groups;
+  for (const TuningBlock& block : kTuningBlocks) groups += group(block.letter, threeCurves());
+  Reading reading(document(groups));
+  EXPECT_EQ(reading.inUse(), "ABCDEFGHIJKLM");
+  const std::vector<std::uint8_t> stored = {0,   128, 255, 16,  144, 255, 32,  160,
+                                            255, 48,  176, 255, 64,  192, 255, 80,
+                                            208, 255, 96,  224, 255, 112, 240, 255};
+  for (const TuningBlock& block : kTuningBlocks) {
+    for (int i = 0; i < block.curveCount; ++i) {
+      EXPECT_EQ(bytes(reading.params.bytes + block.curveOffset() + 24 * i, 24), stored)
+          << block.letter << i;
+    }
+  }
+  reading.expectOnesOutside({{0, 787}});
+}
+
+TEST(FilterParams, RejectABlockForOneBadCurve) {
+  struct Case {
+    std::string third;
+    const char* why;
+  };
+  const Case cases[] = {
+      {withKnot(5, "64"), "in use"},
+      {withKnot(16, "256"), "in use"},
+      {withKnot(16, "99999999999"), "in use"},
+      {kStraightText + "0", "in use"},
+      {withKnot(5, "63"), "falling curve: knot 5 of /Config/filterB/param3 is below knot 4"},
+      {withKnot(0, "-1"), "falling curve: knot 1 of /Config/filterB/param3 is below knot 0"},
+      {withKnot(15, "256"), "falling curve: knot 16 of /Config/filterB/param3 is below knot 15"},
+      {withKnot(16, "x"), "too few numbers: /Config/filterB/param3 holds 16 of 17"},
+      {withKnot(15, "99999999999"), "too few numbers: /Config/filterB/param3 holds 16 of 17"},
+      {"x", "too few numbers: /Config/filterB/param3 holds 0 of 17"},
+      {" ", "missing key /Config/filterB/param3"},
+  };
+  for (const Case& c : cases) {
+    Reading reading(document(group('B', threeCurves(c.third)) + group('C', threeCurves())));
+    EXPECT_EQ(reading.why('B'), c.why) << c.third;
+    EXPECT_EQ(reading.inUse(), c.why == std::string("in use") ? "BCE" : "CE") << c.third;
+    if (reading.block('B')[0] == 1) {
+      reading.expectOnesOutside({{98, 171}, {244, 249}, {469, 471}});
+    }
+  }
+  Reading reading(document(group('B', param(2, kStraightText) + param(3, kStraightText)) +
+                           group('M', param(1, kStraightText))));
+  EXPECT_EQ(reading.why('B'), "missing key /Config/filterB/param1");
+  EXPECT_EQ(reading.inUse(), "EM");
+}
+
+TEST(FilterParams, CompareWholeKnotsAndStoreTheirLowBytes) {
+  Reading reading(document(group('A', param(1, withKnot(16, "256")))));
+  EXPECT_EQ(reading.inUse(), "AE");
+  EXPECT_EQ(reading.block('A')[1 + 2], 0);
+  EXPECT_EQ(reading.block('A')[1 + 22], 240);
+}
+
+TEST(FilterParams, JudgeTheTintByItsLastScalar) {
+  struct Case {
+    const char* value;
+    int stored;
+    int flag;
+  };
+  const Case cases[] = {{"18", 18, 0},  {"19", 19, 1}, {"274", 18, 0},         {"-1", 255, 1},
+                        {"300", 44, 1}, {"x", 0, 0},   {"99999999999", 255, 1}};
+  for (const Case& c : cases) {
+    Reading reading(document(group('E', param(1, "300") + param(4, c.value))));
+    EXPECT_EQ(bytes(reading.block('E'), 5),
+              (std::vector<std::uint8_t>{static_cast<std::uint8_t>(c.flag), 44, 230, 172,
+                                         static_cast<std::uint8_t>(c.stored)}))
+        << c.value;
+  }
+  Reading reading(document(group('E', param(4, "19"))));
+  EXPECT_EQ(reading.why('E'),
+            "scalar out of range: /Config/filterE has param4 = 19, not at most 18");
+}
+
+TEST(FilterParams, JudgeTheGlowByASum) {
+  struct Case {
+    const char* param4;
+    const char* param5;
+    bool inUse;
+  };
+  const Case cases[] = {{"x", "x", true},   {"4", "2", true},  {"12", "4", true},
+                        {"60", "0", true},  {"8", "2", false}, {"0", "1", false},
+                        {"0", "31", false}, {"0", "7", true},  {"260", "258", true},
+                        {"13", "0", false}, {"11", "0", false}};
+  for (const Case& c : cases) {
+    const std::string scalars = param(4, c.param4) + param(5, c.param5);
+    Reading reading(document(group('I', scalars + threeCurves())));
+    EXPECT_EQ(reading.inUse(), c.inUse ? "EI" : "E") << c.param4 << " " << c.param5;
+    EXPECT_EQ(reading.block('I')[3 + 3], 16) << "the curves are stored all the same";
+    EXPECT_EQ(Reading(document(group('I', scalars))).inUse(), "E") << "no curves";
+  }
+  Reading reading(document(group('I', param(4, "8") + threeCurves())));
+  EXPECT_EQ(reading.why('I'),
+            "scalar out of range: /Config/filterI has param4 + 4 x param5 = 16, not 12, 28 or 60");
+}
+
+TEST(FilterParams, ReportWhatBecameOfTheDocument) {
+  struct Case {
+    std::string text;
+    const char* document;
+    const char* blockA;
+  };
+  const std::string config = "<Config>" + group('A', param(1, kStraightText)) + "</Config>";
+  const Case cases[] = {
+      {document(group('A', param(1, kStraightText))), "read", "in use"},
+      {paddedTo(200, "<?xml?>\n<Config>" + group('A', param(1, kStraightText))),
+       "read: an end tag is missing at line 2, column 193", "in use"},
+      {paddedTo(200, config), "read",
+       "missing key /Config/filterA/param1: there is no element /Config (it needs an XML "
+       "declaration "
+       "before it)"},
+      {paddedTo(200, "<?xml?>\n" + config + "\n text"), "read", "in use"},
+      {document(group('A', param(1, "1 2 &x; 3"))),
+       "discarded: an unknown or unfinished character entity at line 2, column 30", nullptr},
+      {"<?xml?>" + config, "discarded: the file has less than 200 bytes or cannot be read",
+       nullptr},
+  };
+  for (const Case& c : cases) {
+    Reading reading(c.text);
+    EXPECT_EQ(describeDocument(reading.report), c.document);
+    EXPECT_EQ(reading.why('A'), c.blockA ? c.blockA : std::string("document ") + c.document);
+    EXPECT_EQ(reading.why('E'), "in use");
+  }
+}
+
+TEST(FilterParams, FailOnlyForAFileNameThatIsTooLong) {
+  CapturedLog log;
+  FilterParams params;
+  EXPECT_EQ(readFilterParams(params.bytes, std::string(255, 'x').c_str()), Status::kOk);
+  EXPECT_TRUE(log.lines().empty());
+  EXPECT_EQ(readFilterParams(params.bytes, std::string(256, 'x').c_str()), Status::kBadResource);
+  EXPECT_EQ(log.errors(), std::vector<std::string>{"[%s] xml file read failed!\n"});
+  for (const std::uint8_t byte : params.bytes) ASSERT_EQ(byte, 1);
+}
+
+Knots someCurves[3] = {kStraight, kStraight, kStraight};
+
+TEST(TuningDocument, IsReadBackWithEveryBlockItHolds) {
+  for (int k = 0; k < kKnotCount; ++k) someCurves[1].at[k] = static_cast<std::uint8_t>(7 * k);
+  const std::string text =
+      tuningDocument([](const TuningBlock&) -> const Knots* { return someCurves; });
+  EXPECT_GE(text.size(), 200u);
+  Reading reading(text);
+  EXPECT_EQ(describeDocument(reading.report), "read");
+  EXPECT_EQ(reading.inUse(), "ABCDEFGHIJK");
+  EXPECT_EQ(bytes(reading.block('E'), 5), (std::vector<std::uint8_t>{0, 255, 230, 172, 0}));
+  EXPECT_EQ(bytes(reading.block('I'), 3), (std::vector<std::uint8_t>{0, 4, 2}));
+  for (const char letter : {'B', 'I', 'K'}) {
+    const std::uint8_t* curves = reading.params.bytes + kTuningBlocks[letter - 'A'].curveOffset();
+    for (int i = 0; i < 3; ++i) {
+      const ToneCurve expected = ToneCurve::of(someCurves[i]);
+      EXPECT_EQ(std::memcmp(curves + 24 * i, expected.bytes, 24), 0) << letter << i;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace lumora::test
