@@ -73,6 +73,10 @@ std::string formatFor(const ApplySettings& settings, const std::string& name) {
 }
 
 Job jobForPair(const ApplySettings& settings, const std::string& input, const std::string& output) {
+  std::error_code missing;
+  if (fs::is_directory(output, missing)) {
+    throw UsageError(text(output, ": is a folder; use --out-dir ", output, " to write into it"));
+  }
   const std::string format = formatFor(settings, output);
   if (format.empty()) {
     throw UsageError(text(output, ": its name does not say in which format to write (",

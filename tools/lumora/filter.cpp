@@ -9,9 +9,7 @@ namespace {
 constexpr unsigned kShortestSide = 88;
 constexpr unsigned kLongestSide = 20000;
 
-bool isAllowedSide(unsigned side) {
-  return side >= kShortestSide && side <= kLongestSide;
-}
+bool isAllowedSide(unsigned side) { return side >= kShortestSide && side <= kLongestSide; }
 
 std::string joined(const std::vector<std::string>& lines) {
   std::string all;
@@ -23,12 +21,10 @@ std::string reasonOf(std::uint32_t status) {
   const std::string said = joined(takeLibraryErrors());
   const std::string quote = said.empty() ? "" : text(" (the library says: ", said, ")");
   switch (status) {
-    case LUMORA_BAD_STATE:
-      return "not enough memory" + quote;
+    case LUMORA_BAD_STATE: return "not enough memory" + quote;
     case LUMORA_THREAD_FAILED:
       return "no worker thread could be started; --single-thread does without" + quote;
-    default:
-      return text("the library refused it with status ", status, quote);
+    default: return text("the library refused it with status ", status, quote);
   }
 }
 
@@ -69,9 +65,7 @@ Filter::Filter(const ResourceSettings& settings, const LookSettings& look, Size 
   throw PictureError("the library could not be set up: " + reasonOf(status));
 }
 
-Filter::~Filter() {
-  filterDestroy(&handle_);
-}
+Filter::~Filter() { filterDestroy(&handle_); }
 
 void Filter::apply(const LookSettings& look, const FilterImage& picture) {
   FilterAlbumParam record = recordFor(look, picture);

@@ -136,6 +136,7 @@ std::uint64_t filterFrames(const FrameSettings& settings, Input& input, Filter& 
   for (std::uint64_t count = 0;; ++count) {
     const std::size_t got = input.read(frame.data(), frame.size());
     if (got == 0 && count > 0) return count;
+    if (got == 0) throw PictureError(text(input.name(), ": is empty"));
     if (got < frame.size()) {
       throw PictureError(text(input.name(), ": frame ", count + 1, " is cut short: ", got, " of ",
                               frame.size(), " bytes; do --size, --stride and --format fit?"));

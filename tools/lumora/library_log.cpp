@@ -40,9 +40,7 @@ std::string plainLine(std::string_view message) {
 
 }  // namespace
 
-void showLibraryLog() {
-  shown = true;
-}
+void showLibraryLog() { shown = true; }
 
 std::vector<std::string> takeLibraryErrors() {
   const std::lock_guard lock(mutex);

@@ -1,6 +1,7 @@
 #include "look_settings.h"
 
 #include <algorithm>
+#include <climits>
 
 #include "errors.h"
 #include "words.h"
@@ -13,8 +14,12 @@ constexpr int kShortestMosaicSide = 8;
 
 using Accept = std::function<void(const std::string&)>;
 
-int even(int value) {
-  return value & ~1;
+int even(int value) { return value & ~1; }
+
+int parseStrength(const std::string& value) {
+  const int strength = parseInteger(value, INT_MIN, INT_MAX);
+  if (strength >= 0 && strength <= 32) return strength;
+  throw UsageError(text(strength, " is outside 0..32 (0 half effect, 16 full, 17..32 stronger)"));
 }
 
 Rectangle parseRectangle(const std::string& value) {
@@ -150,7 +155,7 @@ OptionGroup lookOptions(LookSettings& s) {
         "0 half effect, 16 full effect (the default), 17..32\n"
         "stronger; for blur and tilt-shift the width of the blur,\n"
         "0 for none",
-        [&s](const std::string& v) { s.strength = parseInteger(v, 0, 32); }},
+        [&s](const std::string& v) { s.strength = parseStrength(v); }},
        {"direction", 0, "0..3",
         "how the camera was held, in quarter turns; the light leak\n"
         "of lianghong turns with it",
@@ -219,20 +224,11 @@ FilterAlbumParam recordFor(const LookSettings& settings, const FilterImage& pict
   record.stProcess.effectRatio = settings.strength;
   record.stProcess.singleThread = settings.singleThread;
   switch (settings.mode->number) {
-    case LUMORA_MODE_MOSAIC:
-      fillMosaic(settings, width, height, record.stProcess);
-      break;
-    case LUMORA_MODE_COLOUR_FIX:
-      record.stFixColor = colourFor(settings, picture);
-      break;
-    case LUMORA_MODE_BLUR:
-      record.stBlur = circleFor(settings, width, height);
-      break;
-    case LUMORA_MODE_TILT_SHIFT:
-      record.stTiltShift = bandFor(settings, width, height);
-      break;
-    default:
-      break;
+    case LUMORA_MODE_MOSAIC: fillMosaic(settings, width, height, record.stProcess); break;
+    case LUMORA_MODE_COLOUR_FIX: record.stFixColor = colourFor(settings, picture); break;
+    case LUMORA_MODE_BLUR: record.stBlur = circleFor(settings, width, height); break;
+    case LUMORA_MODE_TILT_SHIFT: record.stTiltShift = bandFor(settings, width, height); break;
+    default: break;
   }
   return record;
 }

@@ -10,20 +10,35 @@
 namespace lumora::tool {
 namespace {
 
-void printTable() {
-  std::cout << std::left;
-  const auto row = [](const auto& number, const char* name, const char* kind, const char* summary) {
-    std::cout << std::setw(6) << number << std::setw(16) << name << std::setw(15) << kind << summary
-              << '\n';
-  };
-  row("Mode", "Name", "Kind", "What it does");
-  for (const Mode& mode : modes()) {
-    row(mode.number, mode.name, mode.kind, mode.summary);
-    std::cout << std::string(37, ' ') << "strength: " << describe(mode.strength);
-    if (mode.texture != nullptr) std::cout << "; texture: " << mode.texture;
-    if (mode.rgbaOnly) std::cout << "; rgba only";
-    std::cout << '\n';
+void printRow(const std::string& number, const char* name, const char* kind, const char* summary,
+              const char* texture) {
+  std::cout << std::left << std::setw(5) << number << std::setw(16) << name << std::setw(15) << kind
+            << std::setw(45) << summary << texture << '\n';
+}
+
+// Who uses the strength otherwise than most looks do.
+void printStrengths() {
+  using enum StrengthUse;
+  std::cout << "\nStrength: " << describe(kBlendAndCurves) << ".\n";
+  for (const StrengthUse use : {kOwn, kBlend, kBlurLevel, kUnused}) {
+    const char* lead = "  ";
+    for (const Mode& mode : modes()) {
+      if (mode.strength != use) continue;
+      std::cout << lead << mode.name;
+      lead = ", ";
+    }
+    std::cout << ": " << describe(use) << ".\n";
   }
+}
+
+void printTable() {
+  printRow("Mode", "Name", "Kind", "What it does", "Texture");
+  for (const Mode& mode : modes()) {
+    printRow(std::to_string(mode.number), mode.name, mode.kind, mode.summary,
+             mode.texture ? mode.texture : "-");
+  }
+  printStrengths();
+  std::cout << "\nEvery look takes rgba, nv21 and nv12 pictures; colour-fix takes rgba only.\n";
 }
 
 // The texts are the table's own and hold nothing that would need escaping.

@@ -13,41 +13,40 @@ namespace {
 using enum StrengthUse;
 
 constexpr std::array kModes = {
-    Mode{LUMORA_MODE_MORAN, "moran", "monochrome", "soft grey with lifted shadows", nullptr, false,
+    Mode{LUMORA_MODE_MORAN, "moran", "monochrome", "bright grey with lifted shadows", nullptr,
+         false, kBlendAndCurves},
+    Mode{LUMORA_MODE_RIXI, "rixi", "colour curves", "cool and faded", nullptr, false,
          kBlendAndCurves},
-    Mode{LUMORA_MODE_RIXI, "rixi", "colour curves", "own tone curves for red, green and blue",
+    Mode{LUMORA_MODE_FUGU, "fugu", "colour curves", "blue-green shadows under yellow lights",
          nullptr, false, kBlendAndCurves},
-    Mode{LUMORA_MODE_FUGU, "fugu", "colour curves", "own tone curves for red, green and blue",
+    Mode{LUMORA_MODE_VALENCIA, "valencia", "colour curves", "lifted shadows, a touch of green",
          nullptr, false, kBlendAndCurves},
-    Mode{LUMORA_MODE_VALENCIA, "valencia", "colour curves",
-         "own tone curves for red, green and blue", nullptr, false, kBlendAndCurves},
     Mode{LUMORA_MODE_LAODIANYING, "laodianying", "aged film",
-         "tinted grey with grain, blotches and specks, new ones in every picture",
-         "shade, grain and marks", false, kBlendAndCurves},
-    Mode{LUMORA_MODE_LIANGHONG, "lianghong", "texture", "a coloured light leak screened over",
-         "light leak, by direction", false, kBlendAndCurves},
-    Mode{LUMORA_MODE_YUNDUAN, "yunduan", "texture", "soft clouds of light, then colour curves",
+         "tinted grey with grain, blotches and specks", "shade, grain, marks", false,
+         kBlendAndCurves},
+    Mode{LUMORA_MODE_LIANGHONG, "lianghong", "texture", "a coloured light leak", "light leak",
+         false, kBlendAndCurves},
+    Mode{LUMORA_MODE_YUNDUAN, "yunduan", "texture", "soft clouds of light and colour curves",
          "clouds", false, kBlendAndCurves},
     Mode{LUMORA_MODE_EARLYBIRD, "earlybird", "texture", "colours that fade towards the corners",
          "vignette", false, kBlendAndCurves},
-    Mode{LUMORA_MODE_NUANYANGYANG, "nuanyangyang", "colour curves",
-         "own tone curves for red, green and blue", nullptr, false, kBlendAndCurves},
-    Mode{LUMORA_MODE_TIANMEIKEREN, "tianmeikeren", "colour curves",
-         "warms and brightens the colours, then bends them", nullptr, false, kBlendAndCurves},
-    Mode{LUMORA_MODE_MEISHIMENGHUAN, "meishimenghuan", "glow",
-         "a dreamy glow, deep shadows and bright lights", nullptr, false, kOwn},
+    Mode{LUMORA_MODE_NUANYANGYANG, "nuanyangyang", "colour curves", "warm yellow sunlight", nullptr,
+         false, kBlendAndCurves},
+    Mode{LUMORA_MODE_TIANMEIKEREN, "tianmeikeren", "colour curves", "pale and rosy", nullptr, false,
+         kBlendAndCurves},
+    Mode{LUMORA_MODE_MEISHIMENGHUAN, "meishimenghuan", "glow", "a dreamy glow, deeper contrast",
+         nullptr, false, kOwn},
     Mode{LUMORA_MODE_HEIBAI, "heibai", "monochrome", "plain black and white", nullptr, false,
          kBlend},
     Mode{LUMORA_MODE_XPRO2, "xpro2", "texture", "dark corners and crossed colour curves",
          "vignette", false, kBlendAndCurves},
-    Mode{LUMORA_MODE_HUDSON, "hudson", "texture", "an overlaid vignette, then colour curves",
+    Mode{LUMORA_MODE_HUDSON, "hudson", "texture", "an overlaid vignette and colour curves",
          "vignette", false, kBlendAndCurves},
-    Mode{LUMORA_MODE_MYFAIR, "myfair", "texture",
-         "lifts the colours that stand out, then a soft vignette", "vignette", false,
-         kBlendAndCurves},
-    Mode{LUMORA_MODE_LOFI, "lofi", "texture", "more contrast and falling shadows", "vignette",
+    Mode{LUMORA_MODE_MYFAIR, "myfair", "texture", "lifted colours and a soft vignette", "vignette",
          false, kBlendAndCurves},
-    Mode{LUMORA_MODE_MOSAIC, "mosaic", "region", "turns one rectangle into square blocks", nullptr,
+    Mode{LUMORA_MODE_LOFI, "lofi", "texture", "more contrast, falling shadows", "vignette", false,
+         kBlendAndCurves},
+    Mode{LUMORA_MODE_MOSAIC, "mosaic", "region", "turns a rectangle into square blocks", nullptr,
          false, kBlend},
     Mode{LUMORA_MODE_COLOUR_FIX, "colour-fix", "colour", "keeps one colour and greys the rest",
          nullptr, true, kUnused},
@@ -75,9 +74,7 @@ std::string plainForm(const std::string& name) {
 
 }  // namespace
 
-std::span<const Mode> modes() {
-  return kModes;
-}
+std::span<const Mode> modes() { return kModes; }
 
 std::vector<std::string> modeNames() {
   std::vector<std::string> names;
@@ -100,16 +97,11 @@ const Mode& findMode(const std::string& nameOrNumber) {
 
 const char* describe(StrengthUse use) {
   switch (use) {
-    case kBlendAndCurves:
-      return "0 half effect, 16 full, 17..32 stronger";
-    case kBlend:
-      return "0 half effect, 16..32 full";
-    case kOwn:
-      return "0 faint, 16 full, 17..32 stronger";
-    case kBlurLevel:
-      return "0 none, 1..32 wider blur";
-    case kUnused:
-      return "not used";
+    case kBlendAndCurves: return "0 half effect, 16 full, 17..32 stronger";
+    case kBlend: return "0 half effect, 16..32 full";
+    case kOwn: return "0 faint, 16 full, 17..32 stronger";
+    case kBlurLevel: return "0 none, 1..32 wider blur";
+    case kUnused: return "not used";
   }
   return "";
 }

@@ -47,7 +47,7 @@ Output::Output(const std::string& path) : name_(path), finalPath_(followLinks(pa
   struct stat status;
   const bool exists = ::stat(finalPath_.c_str(), &status) == 0;
   if (exists && S_ISDIR(status.st_mode)) {
-    throw PictureError(text(name_, ": is a folder; name a file, or use --out-dir ", name_));
+    throw PictureError(text(name_, ": cannot be written: it is a folder"));
   }
   if (exists && !S_ISREG(status.st_mode)) {
     openDirectly();
@@ -73,7 +73,7 @@ void Output::openDirectly() {
 void Output::createBeside() {
   const std::filesystem::path path(finalPath_);
   // The name is cut, so that it and its ending always fit into a directory entry.
-  const std::string hidden = "." + path.filename().string().substr(0, 100) + ".";
+  const std::string hidden = text('.', path.filename().string().substr(0, 100), '.');
   descriptor_ = createTemporaryFile((path.parent_path() / hidden).string(), temporaryPath_);
   if (descriptor_ >= 0) return;
   const int error = errno;

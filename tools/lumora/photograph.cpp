@@ -242,8 +242,6 @@ std::string writableSuffixes() {
   return all;
 }
 
-bool isWritableSuffix(const std::string& suffix) {
-  return findFormat(suffix) != nullptr;
-}
+bool isWritableSuffix(const std::string& suffix) { return findFormat(suffix) != nullptr; }
 
 }  // namespace lumora::tool

@@ -25,17 +25,16 @@ bool holdsPack(const fs::path& directory) {
   return fs::is_regular_file(directory / kPackName, error);
 }
 
-// The paths are relative to the executable, so that a build or an installation can be moved. The
-// build's is considered only where the build's cache lies at its root.
+// Beside the build, then where the installation has put it. The first counts only where a build's
+// cache lies, so that an installed tool does not look into a folder that happens to be there.
 std::vector<fs::path> knownDirectories() {
   std::error_code error;
   const fs::path executable = fs::read_symlink("/proc/self/exe", error);
   if (error) return {};
   const fs::path place = executable.parent_path();
+  const fs::path build = (place / LUMORA_BUILD_ROOT).lexically_normal();
   std::vector<fs::path> directories;
-  if (fs::exists(place / LUMORA_BUILD_ROOT / "CMakeCache.txt", error)) {
-    directories.push_back((place / LUMORA_BUILD_ROOT / LUMORA_BUILD_RESOURCES).lexically_normal());
-  }
+  if (fs::exists(build / "CMakeCache.txt", error)) directories.push_back(build);
   directories.push_back((place / LUMORA_INSTALLED_RESOURCES).lexically_normal());
   return directories;
 }

@@ -11,28 +11,18 @@ struct Rgb {
   double r = 0, g = 0, b = 0;  // 0..1
 };
 
-inline Rgb operator*(Rgb c, double k) {
-  return {c.r * k, c.g * k, c.b * k};
-}
-inline Rgb operator+(Rgb a, Rgb b) {
-  return {a.r + b.r, a.g + b.g, a.b + b.b};
-}
-inline Rgb mix(Rgb a, Rgb b, double share) {
-  return a * (1 - share) + b * share;
-}
+inline Rgb operator*(Rgb c, double k) { return {c.r * k, c.g * k, c.b * k}; }
+inline Rgb operator+(Rgb a, Rgb b) { return {a.r + b.r, a.g + b.g, a.b + b.b}; }
+inline Rgb mix(Rgb a, Rgb b, double share) { return a * (1 - share) + b * share; }
 
-inline double clamp01(double v) {
-  return v < 0 ? 0 : v > 1 ? 1 : v;
-}
+inline double clamp01(double v) { return v < 0 ? 0 : v > 1 ? 1 : v; }
 // 0 below `low`, 1 above `high`, a smooth step between.
 inline double ramp(double low, double high, double v) {
   const double t = clamp01((v - low) / (high - low));
   return t * t * (3 - 2 * t);
 }
 
-inline double distance(double dx, double dy) {
-  return std::sqrt(dx * dx + dy * dy);
-}
+inline double distance(double dx, double dy) { return std::sqrt(dx * dx + dy * dy); }
 
 // Distance to the edge of a line with round ends.
 inline double limb(double x, double y, double x1, double y1, double x2, double y2, double radius) {
