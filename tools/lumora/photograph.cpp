@@ -150,6 +150,8 @@ void renewThumbnail(VImage& image) {
 
 void startImageLibrary(const char* program, bool verbose) {
   if (vips_init(program) != 0) throw PictureError("libvips does not start: " + vipsReason());
+  // Every picture is used once; the cache would only hold on to it.
+  vips_cache_set_max(0);
   if (verbose) return;
   const auto silence = [](const char*, GLogLevelFlags, const char*, void*) {};
   g_log_set_handler("VIPS", static_cast<GLogLevelFlags>(G_LOG_LEVEL_WARNING | G_LOG_LEVEL_INFO),
