@@ -1,7 +1,10 @@
 // lumora apply: what comes out, in every format that goes in.
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <ostream>
 
 #include "pictures.h"
 #include "tool_runner.h"
@@ -17,6 +20,8 @@ struct InputCase {
   int bands;
   bool wide;
 };
+
+void PrintTo(const InputCase& input, std::ostream* out) { *out << input.file; }
 
 class ApplyToInput : public ToolTest, public testing::WithParamInterface<InputCase> {};
 
@@ -53,6 +58,8 @@ struct OutputCase {
   double tolerance;
   int bands;
 };
+
+void PrintTo(const OutputCase& output, std::ostream* out) { *out << output.file; }
 
 class ApplyToOutput : public ToolTest, public testing::WithParamInterface<OutputCase> {};
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <ostream>
 
 #include "pictures.h"
 #include "tool_runner.h"
@@ -15,6 +16,8 @@ struct ErrorCase {
   int exitCode;
   std::vector<std::string> said;  // all of it stands in the message
 };
+
+void PrintTo(const ErrorCase& fault, std::ostream* out) { *out << fault.name; }
 
 class CommandLineTest : public ToolTest {
  protected:
