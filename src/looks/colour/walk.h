@@ -21,7 +21,8 @@ class TailBlock {
  public:
   HWY_INLINE std::uint8_t* load(const std::uint8_t* row, int pixels) {
     bytes_ = static_cast<size_t>(pixels) * kBytesPerPixel;
-    memcpy(block_, row, bytes_);
+    // A row of nothing has no address.
+    if constexpr (kBytesPerPixel > 0) memcpy(block_, row, bytes_);
     return block_;
   }
   HWY_INLINE void store(std::uint8_t* row) const { memcpy(row, block_, bytes_); }

@@ -1,0 +1,172 @@
+// lumora frame: raw camera frames through a pipe.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <iostream>
+#include <optional>
+
+#include "commands.h"
+#include "errors.h"
+#include "filter.h"
+#include "library_log.h"
+#include "output.h"
+
+namespace lumora::tool {
+namespace {
+
+struct FrameFormat {
+  const char* name;
+  std::uint32_t format;
+  unsigned bytesPerPixel;  // of the first plane
+  bool hasChromaPlane;     // half as large again
+};
+
+constexpr std::array kFormats = {
+    FrameFormat{"nv21", LUMORA_FORMAT_NV21, 1, true},
+    FrameFormat{"nv12", LUMORA_FORMAT_NV12, 1, true},
+    FrameFormat{"rgba", LUMORA_FORMAT_RGBA, 4, false},
+};
+
+struct FrameSettings {
+  LookSettings look;
+  ResourceSettings resources;
+  const FrameFormat* format = nullptr;
+  Size size;
+  int strideBytes = 0;  // 0: as the width needs
+  bool verbose = false;
+};
+
+const FrameFormat& findFormat(const std::string& name) {
+  std::vector<std::string> names;
+  for (const FrameFormat& format : kFormats) {
+    if (lowerCase(name) == format.name) return format;
+    names.emplace_back(format.name);
+  }
+  throw UsageError(text("'", name, "' is not one of nv21, nv12, rgba", didYouMean(name, names)));
+}
+
+CommandLine commandLine(FrameSettings& s) {
+  return {
+      "lumora frame --look NAME --format FORMAT --size WxH [options] [IN [OUT]]",
+      "Gives raw frames a look: one frame or many in a row, from a file or standard input, to a\n"
+      "file or standard output ('-', the default). A frame is its rows of --stride bytes; nv21 "
+      "and\n"
+      "nv12 have half as many rows of chroma pairs directly behind.\n",
+      {lookOptions(s.look),
+       modeOptions(s.look),
+       {"Frames",
+        {{"format", 'f', "nv21|nv12|rgba", "how the pixels are stored",
+          [&s](const std::string& v) { s.format = &findFormat(v); }},
+         {"size", 0, "WxH", "pixels, 88 to 20000 on either side; even for nv21 and nv12",
+          [&s](const std::string& v) { s.size = parseSize(v); }},
+         {"stride", 0, "N", "bytes from row to row; default: width, for rgba 4 x width",
+          [&s](const std::string& v) { s.strideBytes = parseInteger(v, 1, INT32_MAX); }},
+         {"verbose", 'v', nullptr, "show what is done and the library's log", raise(s.verbose)}}},
+       resourceOptions(s.resources)},
+      "  lumora frame --look moran --format nv21 --size 1280x720 < in.nv21 > out.nv21\n"
+      "  ffmpeg -i in.mp4 -vf scale=out_color_matrix=bt601:out_range=pc -f rawvideo \\\n"
+      "      -pix_fmt nv12 - | lumora frame -l xpro2 -f nv12 --size 1920x1080 |\n"
+      "      ffmpeg -f rawvideo -pix_fmt nv12 -s 1920x1080 -r 25 -i - \\\n"
+      "      -vf scale=in_color_matrix=bt601:in_range=pc out.mp4\n"};
+}
+
+void checkSettings(FrameSettings& settings) {
+  checkLookSettings(settings.look);
+  if (settings.format == nullptr) throw UsageError("--format is needed: nv21, nv12 or rgba");
+  if (settings.size.width == 0) throw UsageError("--size is needed, for example --size 1280x720");
+  try {
+    requireFrame(*settings.look.mode, settings.format->format, settings.size);
+  } catch (const PictureError& error) {
+    throw UsageError(text("a frame ", error.what()));
+  }
+  const auto rowBytes = static_cast<int>(settings.size.width * settings.format->bytesPerPixel);
+  if (settings.strideBytes == 0) settings.strideBytes = rowBytes;
+  if (settings.strideBytes < rowBytes) {
+    throw UsageError(
+        text("--stride ", settings.strideBytes, " is less than the ", rowBytes, " bytes of a row"));
+  }
+}
+
+std::size_t frameBytes(const FrameSettings& settings) {
+  const std::size_t plane = static_cast<std::size_t>(settings.strideBytes) * settings.size.height;
+  return settings.format->hasChromaPlane ? plane + plane / 2 : plane;
+}
+
+class Input {
+ public:
+  explicit Input(const std::string& path) : name_(path == "-" ? "standard input" : path) {
+    if (path != "-") descriptor_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (descriptor_ < 0) fail();
+  }
+
+  // Less than count only at the end.
+  std::size_t read(std::uint8_t* destination, std::size_t count) {
+    std::size_t done = 0;
+    while (done < count) {
+      const ssize_t got = ::read(descriptor_, destination + done, count - done);
+      if (got < 0 && errno == EINTR) continue;
+      if (got < 0) fail();
+      if (got == 0) break;
+      done += static_cast<std::size_t>(got);
+    }
+    return done;
+  }
+
+  const std::string& name() const { return name_; }
+
+ private:
+  [[noreturn]] void fail() const {
+    throw PictureError(text(name_, ": cannot be read: ", std::strerror(errno)));
+  }
+
+  std::string name_;
+  int descriptor_ = STDIN_FILENO;
+};
+
+// Returns the count of frames.
+std::uint64_t filterFrames(const FrameSettings& settings, Input& input, Filter& filter,
+                           Output& output) {
+  const FrameFormat& format = *settings.format;
+  std::vector<std::uint8_t> frame(frameBytes(settings));
+  const FilterImage image{format.format, frame.data(), settings.size.width, settings.size.height,
+                          settings.strideBytes};
+  for (std::uint64_t count = 0;; ++count) {
+    const std::size_t got = input.read(frame.data(), frame.size());
+    if (got == 0 && count > 0) return count;
+    if (got == 0) throw PictureError(text(input.name(), ": is empty"));
+    if (got < frame.size()) {
+      throw PictureError(text(input.name(), ": frame ", count + 1, " is cut short: ", got, " of ",
+                              frame.size(), " bytes; do --size, --stride and --format fit?"));
+    }
+    filter.apply(settings.look, image);
+    output.write(frame.data(), frame.size());
+  }
+}
+
+}  // namespace
+
+int frameCommand(int argc, char** argv) {
+  FrameSettings settings;
+  const auto operands = readCommandLine(commandLine(settings), argc, argv);
+  if (!operands) return kExitDone;
+  checkSettings(settings);
+  if (operands->size() > 2) throw UsageError("at most one input and one output can be named");
+  const std::string inputPath = operands->empty() ? "-" : operands->front();
+  const std::string outputPath = operands->size() < 2 ? "-" : operands->back();
+
+  if (settings.verbose) showLibraryLog();
+  const int standardOutput = takeStandardOutput(settings.verbose);
+  Input input(inputPath);
+  Filter filter(settings.resources, settings.look, settings.size);
+  std::optional<Output> output;
+  outputPath == "-" ? output.emplace(standardOutput) : output.emplace(outputPath);
+  const std::uint64_t frames = filterFrames(settings, input, filter, *output);
+  output->commit();
+  if (settings.verbose) std::cerr << "lumora: " << frames << " frames\n";
+  return kExitDone;
+}
+
+}  // namespace lumora::tool

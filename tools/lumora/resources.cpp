@@ -1,0 +1,126 @@
+#include "resources.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <vector>
+
+#include "errors.h"
+#include "temporary_files.h"
+
+namespace lumora::tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kPackName = "mixIm.dat";
+constexpr const char* kTuningName = "filter.xml";
+constexpr std::uintmax_t kPackBytes = 11535852;
+constexpr std::size_t kLongestPrefix = 245;
+
+bool holdsPack(const fs::path& directory) {
+  std::error_code error;
+  return fs::is_regular_file(directory / kPackName, error);
+}
+
+// Beside the build, then where the installation has put it. The first counts only where a build's
+// cache lies, so that an installed tool does not look into a folder that happens to be there.
+std::vector<fs::path> knownDirectories() {
+  std::error_code error;
+  const fs::path executable = fs::read_symlink("/proc/self/exe", error);
+  if (error) return {};
+  const fs::path place = executable.parent_path();
+  const fs::path build = (place / LUMORA_BUILD_ROOT).lexically_normal();
+  std::vector<fs::path> directories;
+  if (fs::exists(build / "CMakeCache.txt", error)) directories.push_back(build);
+  directories.push_back((place / LUMORA_INSTALLED_RESOURCES).lexically_normal());
+  return directories;
+}
+
+fs::path findDirectory(const std::string& asked) {
+  if (!asked.empty()) {
+    if (holdsPack(asked)) return asked;
+    throw ResourceError(text(asked, "/", kPackName,
+                             ": there is no such texture pack; name the folder that holds one with "
+                             "--resources DIR"));
+  }
+  std::string tried;
+  for (const fs::path& directory : knownDirectories()) {
+    if (holdsPack(directory)) return directory;
+    tried += "\n  " + directory.string();
+  }
+  throw ResourceError(text("no texture pack ", kPackName, " was found; name the folder that holds ",
+                           "one with --resources DIR. Looked in:", tried));
+}
+
+void requireTuning(const std::string& path) {
+  std::error_code error;
+  const char* reason = nullptr;
+  if (!fs::exists(path, error)) {
+    reason = "there is no such file";
+  } else if (!fs::is_regular_file(path, error)) {
+    reason = "is not a file";
+  } else if (::access(path.c_str(), R_OK) != 0) {
+    reason = std::strerror(errno);
+  }
+  if (reason) throw ResourceError(text(path, ": ", reason, "; --params takes a tuning document"));
+}
+
+void link(const fs::path& target, const fs::path& place) {
+  std::error_code error;
+  fs::create_symlink(fs::absolute(target), place, error);
+  if (error) throw ResourceError(text(place.string(), ": cannot be linked: ", error.message()));
+}
+
+}  // namespace
+
+OptionGroup resourceOptions(ResourceSettings& settings) {
+  return {"Resources",
+          {{"resources", 0, "DIR",
+            "folder with the texture pack mixIm.dat and, optionally, the\n"
+            "tuning document filter.xml; default: beside the build, then\n"
+            "the installed ones",
+            keep(settings.directory)},
+           {"params", 0, "FILE.xml", "tuning document to use instead of the folder's",
+            keep(settings.tuning)}}};
+}
+
+Resources::Resources(const ResourceSettings& settings)
+    : directory_(findDirectory(settings.directory)), prefix_(directory_ + "/") {
+  if (!settings.tuning.empty()) requireTuning(settings.tuning);
+  if (settings.tuning.empty() && prefix_.size() <= kLongestPrefix) return;
+  const std::string own = directory_ + "/" + kTuningName;
+  linkPrivately(settings.tuning.empty() ? own : settings.tuning);
+}
+
+void Resources::linkPrivately(const std::string& tuning) {
+  std::string name;
+  if (!createTemporaryFolder("/tmp/lumora-", name)) {
+    throw ResourceError(text("no private folder can be made in /tmp: ", std::strerror(errno)));
+  }
+  privateFolder_ = {new std::string(name), [](const std::string* folder) {
+                      removeTemporary(*folder);
+                      delete folder;
+                    }};
+  prefix_ = name + "/";
+  link(directory_ + "/" + kPackName, prefix_ + kPackName);
+  link(tuning, prefix_ + kTuningName);
+}
+
+void Resources::explainRefusal(const std::string& libraryMessage) const {
+  const std::string pack = directory_ + "/" + kPackName;
+  std::error_code error;
+  const std::uintmax_t bytes = fs::file_size(pack, error);
+  std::string reason = libraryMessage;
+  if (::access(pack.c_str(), R_OK) != 0) {
+    reason = std::strerror(errno);
+  } else if (!error && bytes != kPackBytes) {
+    reason = text("has ", bytes, " bytes instead of ", kPackBytes);
+  }
+  throw ResourceError(text(pack, ": is not a usable texture pack: ", reason,
+                           "; name another folder with --resources DIR"));
+}
+
+}  // namespace lumora::tool
