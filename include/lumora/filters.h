@@ -201,12 +201,12 @@ LUMORA_FILTERS_API uint32_t getFilterVersion(void);
  *   1024 mixIm.dat missing, unreadable, of another size or malformed
  *   512  memory exhausted; *phHandle becomes null when it is the handle's own block
  *   4096 a worker could not be started
- * A failure after the handle's block was obtained (filter.xml's path too long, a worker that could
- * not be started) leaves the handle in *phHandle; filterDestroy releases it. A failure before that
- * leaves *phHandle untouched. */
+ * A failure after the handle's block was obtained (no C heap for filter.xml, 1024; a worker that
+ * could not be started) leaves the handle in *phHandle; filterDestroy releases it. A failure before
+ * that leaves *phHandle untouched. */
 LUMORA_FILTERS_API uint32_t filterInit(FilterHandle** phHandle, FilterInitParam* pstParamInit);
 
-/* As filterInit, with the resource files of pcResourceDir. */
+/* As filterInit, with the resource files of pcResourceDir; 1024 also for one that is too long. */
 LUMORA_FILTERS_API uint32_t filterInit_APP(FilterHandle** phHandle,
                                            FilterInitParamApp* pstParamInit);
 

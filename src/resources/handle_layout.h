@@ -14,6 +14,7 @@ namespace lumora {
 inline constexpr int kPlaneCount = 14;
 // The first of the three planes that no texture is kept in: working memory of some modes.
 inline constexpr int kScratchPlane = 10;
+inline constexpr int kGrainPlane = 13;
 inline constexpr std::size_t kFilterParamsBytes = 4096;
 
 struct TextureHeader {
