@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <iostream>
 #include <map>
+#include <optional>
 
 #include "commands.h"
 #include "errors.h"
@@ -41,11 +42,10 @@ CommandLine commandLine(ApplySettings& s) {
   return {
       "lumora apply --look NAME [options] IN OUT\n"
       "lumora apply --look NAME [options] --out-dir DIR IN...",
-      "Gives photographs a look. The result keeps the colour profile, EXIF (with a new "
-      "thumbnail),\n"
-      "XMP and transparency, and is upright. '-' is standard input or output. A picture that "
-      "fails\n"
-      "is reported and left out; an output file appears complete or not at all.\n",
+      "Gives photographs a look. The result keeps the colour profile, EXIF (with a new\n"
+      "thumbnail), XMP and transparency, and is upright. '-' is standard input or output. A\n"
+      "picture that fails is reported and left out; an output file appears complete or not at\n"
+      "all.\n",
       {lookOptions(s.look),
        modeOptions(s.look),
        {"Output",
@@ -161,13 +161,10 @@ class Batch {
     if (!settings_.outputFolder.empty()) naming(job.input, [&] { requireOwnOutput(job); });
     const std::vector<std::uint8_t> file =
         naming(job.input, [&] { return filteredFile(settings_, filter_, job); });
-    if (job.output == "-") {
-      Output(standardOutput_).write(file.data(), file.size());
-    } else {
-      Output output(job.output);
-      output.write(file.data(), file.size());
-      output.commit();
-    }
+    std::optional<Output> output;
+    job.output == "-" ? output.emplace(standardOutput_) : output.emplace(job.output);
+    output->write(file.data(), file.size());
+    output->commit();
     if (settings_.verbose) std::cerr << "lumora: " << job.input << " -> " << job.output << '\n';
   }
 
@@ -205,10 +202,7 @@ int applyCommand(int argc, char** argv) {
   if (settings.verbose) showLibraryLog();
   const int standardOutput = takeStandardOutput(settings.verbose);
   startImageLibrary(argv[0], settings.verbose);
-  if (!settings.look.maskFile.empty()) {
-    settings.look.mask =
-        naming(settings.look.maskFile, [&] { return readMask(settings.look.maskFile); });
-  }
+  loadMask(settings.look);
   Batch batch(settings, standardOutput);
   if (!settings.outputFolder.empty()) makeOutputFolder(settings.outputFolder);
   return batch.run(jobs);

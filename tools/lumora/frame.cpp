@@ -13,6 +13,7 @@
 #include "filter.h"
 #include "library_log.h"
 #include "output.h"
+#include "photograph.h"
 
 namespace lumora::tool {
 namespace {
@@ -159,6 +160,10 @@ int frameCommand(int argc, char** argv) {
 
   if (settings.verbose) showLibraryLog();
   const int standardOutput = takeStandardOutput(settings.verbose);
+  if (!settings.look.maskFile.empty()) {
+    startImageLibrary(argv[0], settings.verbose);
+    loadMask(settings.look);
+  }
   Input input(inputPath);
   Filter filter(settings.resources, settings.look, settings.size);
   std::optional<Output> output;

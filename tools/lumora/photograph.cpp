@@ -146,6 +146,16 @@ void renewThumbnail(VImage& image) {
   vips_area_unref(VIPS_AREA(jpeg));
 }
 
+Mask readMask(const std::string& path) {
+  const VImage grey = turnUpright(open(path))
+                          .colourspace(VIPS_INTERPRETATION_B_W)
+                          .cast(VIPS_FORMAT_UCHAR)
+                          .extract_band(0);
+  std::size_t bytes = 0;
+  const VipsBytes samples(static_cast<std::uint8_t*>(grey.write_to_memory(&bytes)));
+  return {{samples.get(), samples.get() + bytes}, grey.width(), grey.height()};
+}
+
 }  // namespace
 
 void startImageLibrary(const char* program, bool verbose) {
@@ -226,15 +236,15 @@ std::vector<std::uint8_t> Photograph::encode(const std::string& suffix, int qual
   }
 }
 
-Mask readMask(const std::string& path) {
+void loadMask(LookSettings& settings) {
+  if (settings.maskFile.empty()) return;
   try {
-    VImage grey = turnUpright(open(path)).colourspace(VIPS_INTERPRETATION_B_W);
-    grey = grey.cast(VIPS_FORMAT_UCHAR).extract_band(0);
-    std::size_t bytes = 0;
-    const VipsBytes samples(static_cast<std::uint8_t*>(grey.write_to_memory(&bytes)));
-    return {{samples.get(), samples.get() + bytes}, grey.width(), grey.height()};
+    settings.mask = readMask(settings.maskFile);
   } catch (const vips::VError&) {
-    throw PictureError("cannot be read, it seems damaged: " + vipsReason());
+    throw PictureError(
+        text(settings.maskFile, ": cannot be read, it seems damaged: ", vipsReason()));
+  } catch (const PictureError& error) {
+    throw PictureError(text(settings.maskFile, ": ", error.what()));
   }
 }
 

@@ -51,8 +51,9 @@ class Photograph {
   VipsBytes pixels_;
 };
 
-// A mask for the colour fix: any picture, as grey levels.
-Mask readMask(const std::string& path);
+// Reads the picture that the settings name as mask, if any, as grey levels. The image library must
+// have been started.
+void loadMask(LookSettings& settings);
 
 // The suffixes that encode() knows, for messages: ".jpg, .png, ..."
 std::string writableSuffixes();
