@@ -6,7 +6,10 @@ namespace lumora::tool {
 
 int applyCommand(int argc, char** argv);
 int frameCommand(int argc, char** argv);
+int galleryCommand(int argc, char** argv);
 int looksCommand(int argc, char** argv);
+int packCommand(int argc, char** argv);
 int sampleCommand(int argc, char** argv);
+int tuneCommand(int argc, char** argv);
 
 }  // namespace lumora::tool

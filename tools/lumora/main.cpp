@@ -25,8 +25,11 @@ struct Command {
 constexpr std::array kCommands = {
     Command{"apply", "give photographs a look", applyCommand},
     Command{"frame", "give raw camera frames a look, from a file or a pipe", frameCommand},
+    Command{"gallery", "draw one sheet of a photograph under all looks", galleryCommand},
     Command{"looks", "list the looks and what they do", looksCommand},
+    Command{"pack", "make, check and show texture packs", packCommand},
     Command{"sample", "draw the sample scene", sampleCommand},
+    Command{"tune", "write and check tuning documents", tuneCommand},
 };
 
 void printOverview(std::ostream& out) {

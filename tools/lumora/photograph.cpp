@@ -168,10 +168,18 @@ void startImageLibrary(const char* program, bool verbose) {
                     silence, nullptr);
 }
 
-Photograph Photograph::read(const std::string& path) {
+VImage readImage(const std::string& path) {
   try {
-    const VImage file = open(path);
-    return Photograph(turnUpright(file));
+    return toRgb(turnUpright(open(path)));
+  } catch (const vips::VError&) {
+    throw PictureError("cannot be read, it seems damaged: " + vipsReason());
+  }
+}
+
+Photograph Photograph::read(const std::string& path) {
+  const VImage image = readImage(path);
+  try {
+    return Photograph(image);
   } catch (const vips::VError&) {
     throw PictureError("cannot be read, it seems damaged: " + vipsReason());
   }
@@ -188,7 +196,7 @@ Photograph Photograph::fromPixels(const std::vector<std::uint8_t>& pixels, Size 
 Photograph::Photograph(const VImage& upright)
     : size_{static_cast<unsigned>(upright.width()), static_cast<unsigned>(upright.height())} {
   requirePictureSize(size_);
-  VImage image = toRgb(upright);
+  VImage image = upright;
   metadata_ = metadataOf(image);
   hasAlpha_ = image.has_alpha();
   if (!hasAlpha_) image = image.bandjoin(255);

@@ -51,6 +51,10 @@ class Photograph {
   VipsBytes pixels_;
 };
 
+// A picture of any size, upright, eight bits, sRGB with or without alpha. Throws a PictureError
+// without the file's name in it.
+vips::VImage readImage(const std::string& path);
+
 // Reads the picture that the settings name as mask, if any, as grey levels. The image library must
 // have been started.
 void loadMask(LookSettings& settings);

@@ -1,0 +1,167 @@
+// lumora gallery: one sheet of a picture under many looks.
+#include <algorithm>
+#include <sstream>
+
+#include "commands.h"
+#include "contact_sheet.h"
+#include "errors.h"
+#include "filter.h"
+#include "output.h"
+#include "photograph.h"
+
+namespace lumora::tool {
+namespace {
+
+using vips::VImage;
+
+// Cells are small; looks are applied near that size, which is fast and shows what the sheet shows.
+constexpr int kCellWidth = 360;
+
+struct GallerySettings {
+  std::vector<const Mode*> looks;
+  std::vector<int> strengths;
+  int columns = 0;
+  bool singleThread = false;
+};
+
+std::vector<std::string> splitAtCommas(const std::string& value) {
+  std::vector<std::string> parts;
+  std::istringstream stream(value);
+  for (std::string part; std::getline(stream, part, ',');) parts.push_back(part);
+  return parts;
+}
+
+VImage imageOf(const FilterImage& picture) {
+  // Images are evaluated late: the caller's pixels may be gone by then.
+  const VImage rgba = VImage(vips_image_new_from_memory_copy(
+                                 picture.picData, std::size_t{4} * picture.width * picture.height,
+                                 static_cast<int>(picture.width), static_cast<int>(picture.height),
+                                 4, VIPS_FORMAT_UCHAR))
+                          .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
+  return rgba.extract_band(0, VImage::option()->set("n", 3));
+}
+
+// The picture at twice the cell's size, or as it is where it is smaller.
+std::vector<std::uint8_t> preparedPixels(Photograph& photograph, Size& size) {
+  VImage image = imageOf(photograph.image());
+  if (image.width() > 2 * kCellWidth) image = image.thumbnail_image(2 * kCellWidth);
+  image = image.cast(VIPS_FORMAT_UCHAR).bandjoin(255);
+  size = {static_cast<unsigned>(image.width()), static_cast<unsigned>(image.height())};
+  requirePictureSize(size);
+  std::size_t bytes = 0;
+  const VipsBytes pixels(static_cast<std::uint8_t*>(image.write_to_memory(&bytes)));
+  return {pixels.get(), pixels.get() + bytes};
+}
+
+// Colour fix keeps the most colourful pixel's colour, so that every picture shows what it does.
+Point mostColourfulPoint(const std::vector<std::uint8_t>& rgba, Size size) {
+  Point best;
+  int widest = -1;
+  for (unsigned y = 4; y + 4 < size.height; y += 3) {
+    for (unsigned x = 4; x + 4 < size.width; x += 3) {
+      const std::uint8_t* const p = &rgba[4 * (std::size_t{y} * size.width + x)];
+      const auto [low, high] = std::minmax({p[0], p[1], p[2]});
+      if (high - low > widest) {
+        widest = high - low;
+        best = {static_cast<int>(x), static_cast<int>(y)};
+      }
+    }
+  }
+  return best;
+}
+
+LookSettings settingsFor(const Mode& mode, int strength, bool singleThread,
+                         const std::vector<std::uint8_t>& rgba, Size size) {
+  LookSettings settings;
+  settings.mode = &mode;
+  settings.strength = strength;
+  settings.singleThread = singleThread;
+  if (mode.number == LUMORA_MODE_COLOUR_FIX) settings.pick = mostColourfulPoint(rgba, size);
+  return settings;
+}
+
+std::string labelOf(const Mode& mode, int strength) {
+  const bool plain = strength == 16 || mode.strength == StrengthUse::kUnused;
+  return plain ? text(mode.number, "  ", mode.name)
+               : text(mode.number, "  ", mode.name, "  ", strength);
+}
+
+std::vector<SheetCell> drawCells(const GallerySettings& gallery, const ResourceSettings& resources,
+                                 const std::vector<std::uint8_t>& rgba, Size size) {
+  std::vector<SheetCell> cells;
+  for (const Mode* mode : gallery.looks) {
+    for (const int strength : gallery.strengths) {
+      std::vector<std::uint8_t> pixels = rgba;
+      const FilterImage picture{LUMORA_FORMAT_RGBA, pixels.data(), size.width, size.height,
+                                static_cast<std::int32_t>(4 * size.width)};
+      const LookSettings settings = settingsFor(*mode, strength, gallery.singleThread, rgba, size);
+      Filter(resources, settings, size).apply(settings, picture);
+      cells.push_back({labelOf(*mode, strength), imageOf(picture)});
+    }
+  }
+  return cells;
+}
+
+CommandLine commandLine(GallerySettings& gallery, ResourceSettings& resources) {
+  return {
+      "lumora gallery [options] IN OUT",
+      "Draws one labelled sheet of a picture under all looks: the quickest way to choose one.\n",
+      {{"Sheet",
+        {{"looks", 'l', "NAME,...", "these looks only, in this order",
+          [&](const std::string& v) {
+            gallery.looks.clear();
+            for (const std::string& name : splitAtCommas(v)) {
+              gallery.looks.push_back(&findMode(name));
+            }
+          }},
+         {"strengths", 's', "N,...", "one picture per strength 0..32; default 16",
+          [&](const std::string& v) {
+            gallery.strengths.clear();
+            for (const std::string& number : splitAtCommas(v)) {
+              gallery.strengths.push_back(parseInteger(number, 0, 32));
+            }
+          }},
+         {"columns", 'c', "N", "pictures in a row; default 5, or one per strength",
+          [&](const std::string& v) { gallery.columns = parseInteger(v, 1, 50); }},
+         {"single-thread", 0, nullptr, "filter without starting threads",
+          raise(gallery.singleThread)}}},
+       resourceOptions(resources)},
+      "  lumora gallery photo.jpg sheet.jpg\n"
+      "  lumora gallery --looks xpro2,lofi --strengths 4,16,32 photo.jpg sheet.png\n"};
+}
+
+}  // namespace
+
+int galleryCommand(int argc, char** argv) {
+  GallerySettings gallery;
+  ResourceSettings resources;
+  const auto operands = readCommandLine(commandLine(gallery, resources), argc, argv);
+  if (!operands) return kExitDone;
+  if (operands->size() != 2) throw UsageError("an input and an output picture are needed");
+  if (gallery.looks.empty()) {
+    for (const Mode& mode : modes()) gallery.looks.push_back(&mode);
+  }
+  if (gallery.strengths.empty()) gallery.strengths = {16};
+  if (gallery.columns == 0) {
+    gallery.columns = gallery.strengths.size() > 1 ? static_cast<int>(gallery.strengths.size()) : 5;
+  }
+
+  startImageLibrary(argv[0], false);
+  // The library writes lines of its own there.
+  takeStandardOutput(false);
+  try {
+    Photograph photograph = Photograph::read(operands->at(0));
+    Size size;
+    const std::vector<std::uint8_t> rgba = preparedPixels(photograph, size);
+    const int cellHeight =
+        std::max(64, kCellWidth * static_cast<int>(size.height) / static_cast<int>(size.width));
+    writeImage(contactSheet(drawCells(gallery, resources, rgba, size), gallery.columns, kCellWidth,
+                            cellHeight),
+               operands->at(1), kDefaultQuality);
+  } catch (const PictureError& error) {
+    throw PictureError(text(operands->at(0), ": ", error.what()));
+  }
+  return kExitDone;
+}
+
+}  // namespace lumora::tool
