@@ -4,6 +4,11 @@
 find_path(LUMORA_HIGHWAY_INCLUDE hwy/highway.h REQUIRED)
 
 set(LUMORA_AVX2_FLAGS -msse4.2 -mavx2 -mbmi -mbmi2 -mfma -mf16c -DHWY_DISABLE_PCLMUL_AES)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # Where a loop runs out of registers GCC rebuilds vector constants in it from general registers;
+  # without moves between the two it keeps them in memory and uses them from there.
+  list(APPEND LUMORA_AVX2_FLAGS -mtune-ctrl=^inter_unit_moves_to_vec)
+endif()
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
   set(LUMORA_LEVELS ssse3 avx2 avx512)
   set(LUMORA_LEVEL_FLAGS_ssse3 -mssse3 -DHWY_DISABLE_PCLMUL_AES)
@@ -41,7 +46,10 @@ function(lumora_library name)
       target_link_libraries(${name}_${level} PRIVATE ${name})
       target_include_directories(${name}_${level} SYSTEM PRIVATE ${LUMORA_HIGHWAY_INCLUDE})
       target_compile_definitions(${name}_${level} PRIVATE HWY_COMPILE_ONLY_STATIC)
-      target_compile_options(${name}_${level} PRIVATE ${LUMORA_LEVEL_FLAGS_${level}})
+      # These sources say themselves what is a vector; left to it, the compiler packs the walks'
+      # pointers into vectors and back.
+      target_compile_options(${name}_${level} PRIVATE ${LUMORA_LEVEL_FLAGS_${level}}
+                                                      -fno-tree-slp-vectorize)
       _lumora_prepare_objects(${name}_${level})
     endforeach()
   endif()

@@ -25,7 +25,7 @@ HWY_INLINE V8 mix(V8 copy, V8 filtered, const Weights& w) {
 void blend(const std::uint8_t* copy, std::uint8_t* picture, std::size_t bytes, int weight) {
   const Weights w{hn::Set(di16, static_cast<std::int16_t>(kFullWeight - weight)),
                   hn::Set(di16, static_cast<std::int16_t>(weight))};
-  TailBlock<1> copyTail, pictureTail;
+  TailBlock<kLanes8, 1> copyTail, pictureTail;
   for (std::size_t i = 0; i < bytes; i += kLanes8) {
     const bool isTail = bytes - i < kLanes8;
     const std::uint8_t* from = copy + i;

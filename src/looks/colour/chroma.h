@@ -1,7 +1,7 @@
 // Conversion between NV blocks and RGB. Level sources only.
 #pragma once
 
-#include "looks/colour/vectors.h"
+#include "looks/colour/pair_products.h"
 
 namespace lumora::HWY_NAMESPACE {
 
@@ -17,38 +17,55 @@ struct NvConversion {
   } means = Means::kOfColours;
 };
 
-// What a chroma pair adds to 64 x luma in each channel, rounding included.
-struct ChromaTerms {
-  VI16 r;
-  VI16 g;
-  VI16 b;
+// What a chroma pair adds to one channel of its four pixels, at most 228 either way: a byte to add
+// and a byte to take off, one of them 0, for both pixels of a row.
+struct ChannelShift {
+  V8 plus;
+  V8 minus;
 };
 
-// u and v lie in -128..128, so with 64 x 255 of luma every sum stays within +-31000.
-template <ChromaOrder kOrder>
-HWY_INLINE ChromaTerms chromaTerms(V8 pairs, int neutral) {
-  const EvenOdd firstSecond = split(pairs);
-  const VI16 offset = hn::Set(di16, static_cast<std::int16_t>(neutral));
-  const bool vFirst = kOrder == ChromaOrder::kVU;
-  const VI16 v = hn::Sub(vFirst ? firstSecond.even : firstSecond.odd, offset);
-  const VI16 u = hn::Sub(vFirst ? firstSecond.odd : firstSecond.even, offset);
-  const VI16 half = hn::Set(di16, 32);
-  const VI16 greenV = hn::Mul(v, hn::Set(di16, 46));
-  const VI16 greenU = hn::Mul(u, hn::Set(di16, 22));
-  return {hn::Add(hn::Mul(v, hn::Set(di16, 90)), half), hn::Sub(hn::Sub(half, greenV), greenU),
-          hn::Add(hn::Mul(u, hn::Set(di16, 114)), half)};
+struct ChromaShifts {
+  ChannelShift r;
+  ChannelShift g;
+  ChannelShift b;
+};
+
+// The low byte of every 16-bit lane in both its bytes.
+HWY_INLINE V8 lowByteTwice(VI16 v) {
+  HWY_ALIGN static constexpr std::uint8_t kTwice[16] = {0, 0, 2,  2,  4,  4,  6,  6,
+                                                        8, 8, 10, 10, 12, 12, 14, 14};
+  return hn::TableLookupBytes(hn::BitCast(d8, v), hn::LoadDup128(d8, kTwice));
 }
 
-HWY_INLINE V8 channelOf(EvenOdd luma64, VI16 term) {
-  return join(clampToByte(hn::ShiftRight<6>(hn::Add(luma64.even, term))),
-              clampToByte(hn::ShiftRight<6>(hn::Add(luma64.odd, term))));
+// (kEven even + kOdd odd + 32) >> 6 with the neutral value taken off both bytes of the pair. The
+// weighted bytes lie within -17340..29070.
+template <int kEven, int kOdd, int kNeutral>
+HWY_INLINE ChannelShift channelShift(V8 pairs) {
+  const VI16 bias = hn::Set(di16, std::int16_t{32 - kNeutral * (kEven + kOdd)});
+  const VI16 shift = hn::ShiftRight<6>(hn::Add(weightedPairs<kEven, kOdd>(pairs), bias));
+  const VI16 plus = hn::Max(shift, hn::Zero(di16));
+  return {lowByteTwice(plus), lowByteTwice(hn::Sub(plus, shift))};
 }
 
-// The colours of one luma row over its chroma pairs.
-HWY_INLINE Rgb ConvertYUV2RGB(V8 luma, const ChromaTerms& terms) {
-  const EvenOdd y = split(luma);
-  const EvenOdd luma64{hn::ShiftLeft<6>(y.even), hn::ShiftLeft<6>(y.odd)};
-  return {channelOf(luma64, terms.r), channelOf(luma64, terms.g), channelOf(luma64, terms.b)};
+template <ChromaOrder kOrder, int kNeutral>
+HWY_INLINE ChromaShifts chromaShifts(V8 pairs) {
+  if constexpr (kOrder == ChromaOrder::kVU) {
+    return {channelShift<90, 0, kNeutral>(pairs), channelShift<-46, -22, kNeutral>(pairs),
+            channelShift<0, 114, kNeutral>(pairs)};
+  }
+  return {channelShift<0, 90, kNeutral>(pairs), channelShift<-22, -46, kNeutral>(pairs),
+          channelShift<114, 0, kNeutral>(pairs)};
+}
+
+// Clamps at both ends.
+HWY_INLINE V8 shifted(V8 luma, const ChannelShift& shift) {
+  return hn::SaturatedSub(hn::SaturatedAdd(luma, shift.plus), shift.minus);
+}
+
+// The colours of one luma row over its chroma pairs: each channel is (64 Y + chroma + 32) >> 6,
+// which is Y + ((chroma + 32) >> 6).
+HWY_INLINE Rgb ConvertYUV2RGB(V8 luma, const ChromaShifts& shifts) {
+  return {shifted(luma, shifts.r), shifted(luma, shifts.g), shifted(luma, shifts.b)};
 }
 
 struct NvBlock {
@@ -57,56 +74,57 @@ struct NvBlock {
   V8 chroma;
 };
 
-struct RgbHalves {
-  EvenOdd r;
-  EvenOdd g;
-  EvenOdd b;
+// (a + b + c + d + 2) >> 2 over the four pixels of a 2 x 2 block.
+HWY_INLINE VI16 blockMean(V8 top, V8 bottom) {
+  return shiftRightRounding<2>(hn::Add(weightedPairs<1, 1>(top), weightedPairs<1, 1>(bottom)));
+}
+
+// (a + b + 1) >> 1.
+HWY_INLINE VI16 halfAdd(VI16 a, VI16 b) { return shiftRightRounding<1>(hn::Add(a, b)); }
+HWY_INLINE VI16 halfAddOfPairs(V8 bytes) {
+  return shiftRightRounding<1>(weightedPairs<1, 1>(bytes));
+}
+
+struct BlockMeans {
+  VI16 red;
+  VI16 blue;
+  VI16 luma;
 };
 
-HWY_INLINE RgbHalves split(const Rgb& colour) {
-  return {split(colour.r), split(colour.g), split(colour.b)};
+HWY_INLINE BlockMeans meansOfColours(const Rgb& top, const Rgb& bottom) {
+  const VI16 r = blockMean(top.r, bottom.r), g = blockMean(top.g, bottom.g);
+  const VI16 b = blockMean(top.b, bottom.b);
+  const VI16 redGreen = hn::Mul(hn::Add(r, hn::Add(g, g)), hn::Set(di16, 19));
+  const VI16 blue = hn::Mul(b, hn::Set(di16, 7));
+  return {r, b, shiftRightRounding<6>(hn::Add(redGreen, blue))};
 }
 
-HWY_INLINE EvenOdd greyOf(const RgbHalves& c) {
-  return {greyOf(c.r.even, c.g.even, c.b.even), greyOf(c.r.odd, c.g.odd, c.b.odd)};
+HWY_INLINE BlockMeans meansByHalfAdds(const Rgb& top, const Rgb& bottom, V8 topLuma,
+                                      V8 bottomLuma) {
+  return {halfAdd(halfAddOfPairs(top.r), halfAddOfPairs(bottom.r)),
+          halfAdd(halfAddOfPairs(top.b), halfAddOfPairs(bottom.b)),
+          halfAddOfPairs(hn::AverageRound(topLuma, bottomLuma))};
 }
 
-// (a + b + c + d + 2) >> 2 over the four pixels of a 2 x 2 block.
-HWY_INLINE VI16 blockMean(EvenOdd top, EvenOdd bottom) {
-  const VI16 sum = hn::Add(hn::Add(top.even, top.odd), hn::Add(bottom.even, bottom.odd));
-  return hn::ShiftRight<2>(hn::Add(sum, hn::Set(di16, 2)));
-}
-
-HWY_INLINE VI16 halfAdd(VI16 a, VI16 b) {
-  return hn::ShiftRight<1>(hn::Add(hn::Add(a, b), hn::Set(di16, 1)));
-}
-
-// clamp((weight (channel - luma) + 64 neutral + 32) >> 6); the sum stays within +-20000.
-HWY_INLINE VI16 chromaOf(VI16 channel, VI16 luma, int weight, int neutral) {
-  const VI16 difference =
-      hn::Mul(hn::Sub(channel, luma), hn::Set(di16, static_cast<std::int16_t>(weight)));
-  const VI16 bias = hn::Set(di16, static_cast<std::int16_t>(64 * neutral + 32));
-  return clampToByte(hn::ShiftRight<6>(hn::Add(difference, bias)));
+// (weight (channel - luma) + 64 neutral + 32) >> 6: the weight times 512 is the rounding shift.
+template <int kWeight, int kNeutral>
+HWY_INLINE VI16 chromaOf(VI16 channel, VI16 luma) {
+  const VI16 weight512 = hn::Set(di16, std::int16_t{kWeight * 512});
+  const VI16 difference = hn::MulFixedPoint15(hn::Sub(channel, luma), weight512);
+  return hn::Add(difference, hn::Set(di16, kNeutral));
 }
 
 // Two rows of new colours back to luma and the chroma pairs between them.
 template <ChromaOrder kOrder, NvConversion kConversion>
-HWY_INLINE NvBlock ConvertRGB2YUV(const Rgb& topColour, const Rgb& bottomColour) {
-  const RgbHalves top = split(topColour), bottom = split(bottomColour);
-  const EvenOdd yTop = greyOf(top), yBottom = greyOf(bottom);
-  VI16 red, blue, luma;
-  if constexpr (kConversion.means == NvConversion::Means::kOfColours) {
-    red = blockMean(top.r, bottom.r);
-    blue = blockMean(top.b, bottom.b);
-    luma = greyOf(red, blockMean(top.g, bottom.g), blue);
-  } else {
-    red = halfAdd(halfAdd(top.r.even, top.r.odd), halfAdd(bottom.r.even, bottom.r.odd));
-    blue = halfAdd(halfAdd(top.b.even, top.b.odd), halfAdd(bottom.b.even, bottom.b.odd));
-    luma = halfAdd(halfAdd(yTop.even, yBottom.even), halfAdd(yTop.odd, yBottom.odd));
-  }
-  const VI16 v = chromaOf(red, luma, 46, kConversion.neutralOut);
-  const VI16 u = chromaOf(blue, luma, 36, kConversion.neutralOut);
-  return {join(yTop), join(yBottom), kOrder == ChromaOrder::kVU ? join(v, u) : join(u, v)};
+HWY_INLINE NvBlock ConvertRGB2YUV(const Rgb& top, const Rgb& bottom) {
+  const V8 topLuma = GrayFromRGB(top), bottomLuma = GrayFromRGB(bottom);
+  const BlockMeans mean = kConversion.means == NvConversion::Means::kOfColours
+                              ? meansOfColours(top, bottom)
+                              : meansByHalfAdds(top, bottom, topLuma, bottomLuma);
+  const VI16 v = chromaOf<46, kConversion.neutralOut>(mean.red, mean.luma);
+  const VI16 u = chromaOf<36, kConversion.neutralOut>(mean.blue, mean.luma);
+  const bool vFirst = kOrder == ChromaOrder::kVU;
+  return {topLuma, bottomLuma, vFirst ? joinClamped(v, u) : joinClamped(u, v)};
 }
 
 }  // namespace lumora::HWY_NAMESPACE

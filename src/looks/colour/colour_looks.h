@@ -13,5 +13,6 @@ LUMORA_PER_LEVEL(Look, kValencia)
 LUMORA_PER_LEVEL(Look, kNuanyangyang)
 LUMORA_PER_LEVEL(Look, kTianmeikeren)
 LUMORA_PER_LEVEL(Look, kHeibai)
+LUMORA_PER_LEVEL(Look, kMeishimenghuan)  // its curve stage
 
 }  // namespace lumora

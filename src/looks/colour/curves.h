@@ -2,12 +2,15 @@
 #pragma once
 
 #include "looks/colour/tone_curve.h"
-#include "looks/colour/vectors.h"
+#include "looks/colour/pair_products.h"
 
 namespace lumora::HWY_NAMESPACE {
 
 inline constexpr int kPlainRatio = 16;
 inline constexpr int kStrongestRatio = 32;
+
+inline constexpr Knots kIdentityCurve{
+    {0, 16, 32, 48, 64, 80, 96, 112, 128, 144, 160, 176, 192, 208, 224, 240, 255}};
 
 // ((32 - ratio) base + (ratio - 16) strong + 8) >> 4 at every knot above ratio 16, the base below.
 HWY_INLINE Knots RampCurve(const Knots& base, const Knots& strong, int ratio) {
@@ -45,40 +48,29 @@ struct Curve {
   }
 };
 
-struct KnotAndStep {
-  V8 knot;
-  EvenOdd step;
-};
-
-// Knot and step at index 0..15.
-HWY_INLINE KnotAndStep at(const Curve& curve, V8 index) {
-  return {hn::TableLookupBytes(curve.knots, index),
-          split(hn::TableLookupBytes(curve.steps, index))};
-}
-
 HWY_INLINE V8 highNibble(V8 x) {
   const VU16 shifted = hn::ShiftRight<4>(hn::BitCast(du16, x));
   return hn::And(hn::BitCast(d8, shifted), hn::Set(d8, 0x0F));
 }
 
-// Linear between the knots, rounded: knot + ((step * f + 8) >> 4) with f = x mod 16, saturated. The
-// rounding shift is MulFixedPoint15(step, f << 11); it gives at most 239, so nothing needs masking.
+// The step at each index times f = x mod 16.
+HWY_INLINE EvenOdd stepProducts(const Curve& curve, V8 index, V8 x) {
+  return products(hn::TableLookupBytes(curve.steps, index), hn::And(x, hn::Set(d8, 0x0F)));
+}
+
+// Linear between the knots, rounded: knot + ((step * f + 8) >> 4), saturated. What is added is at
+// most 239, so nothing needs masking.
 HWY_INLINE V8 CurveLookup(const Curve& curve, V8 x) {
-  const KnotAndStep k = at(curve, highNibble(x));
-  const VI16 pairs = hn::BitCast(di16, x);
-  const VI16 mask = hn::Set(di16, 0x7800);
-  const VI16 fEven = hn::And(hn::ShiftLeft<11>(pairs), mask);
-  const VI16 fOdd = hn::And(hn::ShiftLeft<3>(pairs), mask);
-  return hn::SaturatedAdd(
-      k.knot, join(hn::MulFixedPoint15(k.step.even, fEven), hn::MulFixedPoint15(k.step.odd, fOdd)));
+  const V8 index = highNibble(x);
+  return hn::SaturatedAdd(hn::TableLookupBytes(curve.knots, index),
+                          join(shiftRightRounding<4>(stepProducts(curve, index, x))));
 }
 
 // As CurveLookup, truncated: knot + ((step * f) >> 4).
 HWY_INLINE V8 TruncCurveLookup(const Curve& curve, V8 x) {
-  const KnotAndStep k = at(curve, highNibble(x));
-  const EvenOdd f = split(hn::And(x, hn::Set(d8, 0x0F)));
-  return hn::SaturatedAdd(k.knot, join(hn::ShiftRight<4>(hn::Mul(k.step.even, f.even)),
-                                       hn::ShiftRight<4>(hn::Mul(k.step.odd, f.odd))));
+  const V8 index = highNibble(x);
+  return hn::SaturatedAdd(hn::TableLookupBytes(curve.knots, index),
+                          joinShifted<4>(stepProducts(curve, index, x)));
 }
 
 struct RgbCurves {
@@ -90,6 +82,15 @@ struct RgbCurves {
 HWY_INLINE Rgb CurveLookup(const RgbCurves& curves, const Rgb& colour) {
   return {CurveLookup(curves.r, colour.r), CurveLookup(curves.g, colour.g),
           CurveLookup(curves.b, colour.b)};
+}
+
+HWY_INLINE Rgb CurveLookup(const Curve& curve, const Rgb& colour) {
+  return {CurveLookup(curve, colour.r), CurveLookup(curve, colour.g), CurveLookup(curve, colour.b)};
+}
+
+HWY_INLINE Rgb TruncCurveLookup(const RgbCurves& curves, const Rgb& colour) {
+  return {TruncCurveLookup(curves.r, colour.r), TruncCurveLookup(curves.g, colour.g),
+          TruncCurveLookup(curves.b, colour.b)};
 }
 
 }  // namespace lumora::HWY_NAMESPACE

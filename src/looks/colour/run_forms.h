@@ -14,7 +14,7 @@ struct ColourStep {
 
 template <class Step>
 void runRgba(const LookJob& job) {
-  walkRgba<typename Step::Texture>(job, Step(job));
+  walkRgba(job, Step(job));
 }
 
 template <class Step, ChromaOrder kOrder>
@@ -36,25 +36,28 @@ void runByStrength(const LookJob& job) {
   (job.ratio > kPlainRatio ? kStrong : kPlain)(job);
 }
 
-template <template <bool kStrong> class Step>
+template <template <bool kStrong> class RgbaStep, template <bool kStrong> class NvStep = RgbaStep>
 constexpr Look makeTwoStrengthLook(const BuiltInCurves* builtIn = nullptr) {
-  using Plain = Step<false>;
-  using Strong = Step<true>;
-  return {runByStrength<runRgba<Plain>, runRgba<Strong>>,
+  using Plain = NvStep<false>;
+  using Strong = NvStep<true>;
+  return {runByStrength<runRgba<RgbaStep<false>>, runRgba<RgbaStep<true>>>,
           runByStrength<runNv<Plain, ChromaOrder::kVU>, runNv<Strong, ChromaOrder::kVU>>,
           runByStrength<runNv<Plain, ChromaOrder::kUV>, runNv<Strong, ChromaOrder::kUV>>,
-          Plain::Texture::kBytesPerPixel, builtIn};
+          RgbaStep<false>::Texture::kBytesPerPixel, builtIn};
 }
 
 HWY_INLINE bool usesStoredCurves(const LookJob& job) {
   return job.block != nullptr && *job.block == 0;
 }
 
-// Curve `channel` of the tuning block where it is in use, else the built-in one.
-HWY_INLINE Knots blockOrBuiltIn(const LookJob& job, const BuiltInCurves& builtIn, int channel) {
+// Curve `channel` of the tuning block where it is in use, else the built-in one. The curves follow
+// the flag, in one block two more bytes as well.
+HWY_INLINE Knots blockOrBuiltIn(const LookJob& job, const BuiltInCurves& builtIn, int channel,
+                                int firstCurveOffset = 1) {
   if (!usesStoredCurves(job)) return builtIn.plain[channel];
   ToneCurve stored;
-  memcpy(&stored, job.block + 1 + channel * static_cast<int>(sizeof stored), sizeof stored);
+  memcpy(&stored, job.block + firstCurveOffset + channel * static_cast<int>(sizeof stored),
+         sizeof stored);
   return stored.knots();
 }
 
@@ -66,6 +69,18 @@ HWY_INLINE Curve rampedCurve(const LookJob& job, const BuiltInCurves& builtIn, i
 
 HWY_INLINE RgbCurves rampedCurves(const LookJob& job, const BuiltInCurves& builtIn) {
   return {rampedCurve(job, builtIn, 0), rampedCurve(job, builtIn, 1), rampedCurve(job, builtIn, 2)};
+}
+
+HWY_INLINE RgbCurves plainCurves(const LookJob& job, const BuiltInCurves& builtIn) {
+  return {Curve(blockOrBuiltIn(job, builtIn, 0)), Curve(blockOrBuiltIn(job, builtIn, 1)),
+          Curve(blockOrBuiltIn(job, builtIn, 2))};
+}
+
+// The curve in use; a stored one moves up to halfway toward the strong one.
+HWY_INLINE Curve halfRampedCurve(const LookJob& job, const BuiltInCurves& builtIn, int channel) {
+  const Knots base = blockOrBuiltIn(job, builtIn, channel);
+  if (!usesStoredCurves(job)) return Curve(base);
+  return Curve(rampHalfway(base, builtIn.strong[channel], job.ratio));
 }
 
 }  // namespace lumora::HWY_NAMESPACE

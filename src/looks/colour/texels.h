@@ -2,7 +2,7 @@
 // sources only.
 #pragma once
 
-#include "looks/colour/vectors.h"
+#include "looks/colour/interleave.h"
 
 namespace lumora::HWY_NAMESPACE {
 
@@ -10,25 +10,28 @@ struct NoTexture {
   static constexpr int kBytesPerPixel = 0;
   struct Texels {};
   static HWY_INLINE Texels load(const std::uint8_t*) { return {}; }
+  static HWY_INLINE Texels loadInRgbaOrder(const std::uint8_t*) { return {}; }
 };
 
 struct GreyTexture {
   static constexpr int kBytesPerPixel = 1;
   using Texels = V8;
   static HWY_INLINE Texels load(const std::uint8_t* at) { return hn::LoadU(d8, at); }
+  static HWY_INLINE Texels loadInRgbaOrder(const std::uint8_t* at) {
+    return HWY_NAMESPACE::loadInRgbaOrder(at);
+  }
 };
 
 struct RgbTexture {
   static constexpr int kBytesPerPixel = 3;
   using Texels = Rgb;
-  static HWY_INLINE Texels load(const std::uint8_t* at) {
-    Rgb texels;
-    hn::LoadInterleaved3(d8, at, texels.r, texels.g, texels.b);
-    return texels;
+  static HWY_INLINE Texels load(const std::uint8_t* at) { return loadRgb(at); }
+  static HWY_INLINE Texels loadInRgbaOrder(const std::uint8_t* at) {
+    return loadRgbInRgbaOrder(at);
   }
 };
 
-// A vector of pixels as a look's step sees them, in the picture's order.
+// A vector of pixels as a look's step sees them: lane i of everything belongs to the same pixel.
 template <class Texture>
 struct Pixels {
   Rgb colour;

@@ -46,11 +46,11 @@ HWY_INLINE VI16 mixed(const MixRow& row, VI16 r, VI16 g, VI16 b) {
 }
 
 HWY_INLINE Rgb mixChannels(const Rgb& colour) {
-  const RgbHalves c = split(colour);
+  const EvenOdd r = split(colour.r), g = split(colour.g), b = split(colour.b);
   V8 out[3];
   for (int i = 0; i < 3; ++i) {
     const MixRow& row = kColourMixMatrix[i];
-    out[i] = join(mixed(row, c.r.even, c.g.even, c.b.even), mixed(row, c.r.odd, c.g.odd, c.b.odd));
+    out[i] = join(mixed(row, r.even, g.even, b.even), mixed(row, r.odd, g.odd, b.odd));
   }
   return {out[0], out[1], out[2]};
 }

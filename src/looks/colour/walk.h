@@ -15,8 +15,8 @@
 
 namespace lumora::HWY_NAMESPACE {
 
-// The rest of a row as a full vector of kBytesPerPixel bytes a pixel.
-template <int kBytesPerPixel>
+// The rest of a row as kPixels pixels of kBytesPerPixel bytes.
+template <int kPixels, int kBytesPerPixel>
 class TailBlock {
  public:
   HWY_INLINE std::uint8_t* load(const std::uint8_t* row, int pixels) {
@@ -29,38 +29,56 @@ class TailBlock {
 
  private:
   size_t bytes_ = 0;
-  HWY_ALIGN std::uint8_t block_[kBytesPerPixel > 0 ? kLanes8* kBytesPerPixel : 1] = {};
+  HWY_ALIGN std::uint8_t block_[kBytesPerPixel > 0 ? kPixels * kBytesPerPixel : 1] = {};
 };
 
-template <class Texture, class Step>
-HWY_INLINE void stepRgba(std::uint8_t* pixels, const std::uint8_t* texture, const Step& step) {
-  Pixels<Texture> p;
-  V8 alpha;
-  hn::LoadInterleaved4(d8, pixels, p.colour.r, p.colour.g, p.colour.b, alpha);
-  p.luma = GrayFromRGB(p.colour);
-  p.texels = Texture::load(texture);
-  const Rgb out = step(p);
-  hn::StoreInterleaved4(out.r, out.g, out.b, alpha, d8, pixels);
+// The steps run on two vectors at a time, which keeps the processor busy while either waits for its
+// own results. Most steps are a function of one vector; one of several stages may take both, so that
+// each stage is done with both before the next one begins.
+template <class Step, class Texture>
+HWY_INLINE void applyStep(const Step& step, Pixels<Texture>& a, Pixels<Texture>& b) {
+  if constexpr (requires { step(a, b); }) {
+    step(a, b);
+  } else {
+    a.colour = step(a);
+    b.colour = step(b);
+  }
 }
 
-template <class Texture, class Step>
+inline constexpr int kRgbaPixels = 2 * kLanes8;
+
+template <class Step>
+HWY_INLINE void stepRgba(std::uint8_t* pixels, const std::uint8_t* texture, const Step& step) {
+  using Texture = typename Step::Texture;
+  Rgba a = loadRgba(pixels), b = loadRgba(pixels + 4 * kLanes8);
+  constexpr int kNextTexels = kLanes8 * Texture::kBytesPerPixel;
+  Pixels<Texture> pa{a.colour, GrayFromRGB(a.colour), Texture::loadInRgbaOrder(texture)};
+  Pixels<Texture> pb{b.colour, GrayFromRGB(b.colour),
+                     Texture::loadInRgbaOrder(texture + kNextTexels)};
+  applyStep(step, pa, pb);
+  storeRgba({pa.colour, a.alpha}, pixels);
+  storeRgba({pb.colour, b.alpha}, pixels + 4 * kLanes8);
+}
+
+template <class Step>
 void walkRgba(const LookJob& job, const Step step) {
-  TailBlock<4> tail;
-  TailBlock<Texture::kBytesPerPixel> textureTail;
+  constexpr int kTexelBytes = Step::Texture::kBytesPerPixel;
+  TailBlock<kRgbaPixels, 4> tail;
+  TailBlock<kRgbaPixels, kTexelBytes> textureTail;
   for (int y = 0; y < job.rows; ++y) {
     std::uint8_t* const row = job.pixels + y * job.strideBytes;
     const std::uint8_t* const textureRow =
-        job.texture + static_cast<std::ptrdiff_t>(y) * job.widthPixels * Texture::kBytesPerPixel;
-    for (int x = 0; x < job.widthPixels; x += kLanes8) {
+        job.texture + static_cast<std::ptrdiff_t>(y) * job.widthPixels * kTexelBytes;
+    for (int x = 0; x < job.widthPixels; x += kRgbaPixels) {
       const int left = job.widthPixels - x;
       std::uint8_t* pixels = row + 4 * x;
-      const std::uint8_t* texture = textureRow + Texture::kBytesPerPixel * x;
-      if (left < kLanes8) {
+      const std::uint8_t* texture = textureRow + kTexelBytes * x;
+      if (left < kRgbaPixels) {
         pixels = tail.load(pixels, left);
         texture = textureTail.load(texture, left);
       }
-      stepRgba<Texture>(pixels, texture, step);
-      if (left < kLanes8) tail.store(row + 4 * x);
+      stepRgba(pixels, texture, step);
+      if (left < kRgbaPixels) tail.store(row + 4 * x);
     }
   }
 }
@@ -76,8 +94,8 @@ struct NvPointers {
 
 template <class Texture>
 struct NvTail {
-  TailBlock<1> top, bottom, chroma;
-  TailBlock<Texture::kBytesPerPixel> topTexture, bottomTexture;
+  TailBlock<kLanes8, 1> top, bottom, chroma;
+  TailBlock<kLanes8, Texture::kBytesPerPixel> topTexture, bottomTexture;
 
   HWY_INLINE NvPointers load(const NvPointers& at, int columns) {
     return {top.load(at.top, columns), bottom.load(at.bottom, columns),
@@ -94,18 +112,14 @@ struct NvTail {
 template <class Step, ChromaOrder kOrder>
 HWY_INLINE void stepNv(const NvPointers& at, const Step& step) {
   using Texture = typename Step::Texture;
-  const ChromaTerms terms =
-      chromaTerms<kOrder>(hn::LoadU(d8, at.chroma), Step::kConversion.neutralIn);
-  Pixels<Texture> p;
-  p.luma = hn::LoadU(d8, at.top);
-  p.colour = ConvertYUV2RGB(p.luma, terms);
-  p.texels = Texture::load(at.topTexture);
-  const Rgb top = step(p);
-  p.luma = hn::LoadU(d8, at.bottom);
-  p.colour = ConvertYUV2RGB(p.luma, terms);
-  p.texels = Texture::load(at.bottomTexture);
-  const Rgb bottom = step(p);
-  const NvBlock out = ConvertRGB2YUV<kOrder, Step::kConversion>(top, bottom);
+  const ChromaShifts shifts =
+      chromaShifts<kOrder, Step::kConversion.neutralIn>(hn::LoadU(d8, at.chroma));
+  const V8 topLuma = hn::LoadU(d8, at.top), bottomLuma = hn::LoadU(d8, at.bottom);
+  Pixels<Texture> top{ConvertYUV2RGB(topLuma, shifts), topLuma, Texture::load(at.topTexture)};
+  Pixels<Texture> bottom{ConvertYUV2RGB(bottomLuma, shifts), bottomLuma,
+                         Texture::load(at.bottomTexture)};
+  applyStep(step, top, bottom);
+  const NvBlock out = ConvertRGB2YUV<kOrder, Step::kConversion>(top.colour, bottom.colour);
   hn::StoreU(out.top, d8, at.top);
   hn::StoreU(out.bottom, d8, at.bottom);
   hn::StoreU(out.chroma, d8, at.chroma);
@@ -133,16 +147,25 @@ void walkNv(const LookJob& job, const Step step) {
   }
 }
 
-// Looks that need only the luma of NV pictures: step is a function of one vector of bytes.
-template <class Step>
+// Work on the luma plane of NV pictures alone: step is a function of a vector of luma and its
+// texels.
+template <class Texture, class Step>
 void walkLuma(const LookJob& job, const Step step) {
-  TailBlock<1> tail;
+  TailBlock<kLanes8, 1> tail;
+  TailBlock<kLanes8, Texture::kBytesPerPixel> textureTail;
   for (int y = 0; y < job.rows; ++y) {
     std::uint8_t* const row = job.pixels + y * job.strideBytes;
+    const std::uint8_t* const textureRow =
+        job.texture + static_cast<std::ptrdiff_t>(y) * job.widthPixels * Texture::kBytesPerPixel;
     for (int x = 0; x < job.widthPixels; x += kLanes8) {
       const int left = job.widthPixels - x;
-      std::uint8_t* const luma = left < kLanes8 ? tail.load(row + x, left) : row + x;
-      hn::StoreU(step(hn::LoadU(d8, luma)), d8, luma);
+      std::uint8_t* luma = row + x;
+      const std::uint8_t* texture = textureRow + Texture::kBytesPerPixel * x;
+      if (left < kLanes8) {
+        luma = tail.load(luma, left);
+        texture = textureTail.load(texture, left);
+      }
+      hn::StoreU(step(hn::LoadU(d8, luma), Texture::load(texture)), d8, luma);
       if (left < kLanes8) tail.store(row + x);
     }
   }
