@@ -1,0 +1,115 @@
+// EARLYBIRD: a faded, warm print whose brightness the texture governs.
+#include "looks/texture/texture_step.h"
+
+namespace lumora::HWY_NAMESPACE {
+namespace {
+
+constexpr int kCoarseKnotCount = 9;
+
+// Outputs at the inputs 0, 32, 64, ..., 256.
+struct CoarseToneCurve {
+  std::uint8_t at[kCoarseKnotCount];
+};
+
+// A channel's curves: the base is the colour where the texture is 0, the lift is scaled by the
+// texture and added.
+struct ChannelCurves {
+  CoarseToneCurve base;
+  CoarseToneCurve lift;
+};
+
+// R, G, B
+constexpr ChannelCurves kPlain[3] = {
+    {{{29, 29, 29, 47, 76, 103, 131, 157, 185}}, {{1, 39, 81, 103, 112, 101, 90, 81, 70}}},
+    {{{0, 0, 0, 12, 41, 71, 101, 131, 161}}, {{1, 42, 84, 114, 129, 123, 111, 100, 90}}},
+    {{{18, 18, 18, 18, 30, 51, 73, 94, 113}}, {{1, 30, 61, 91, 106, 113, 115, 105, 99}}},
+};
+constexpr ChannelCurves kStrong[3] = {
+    {{{29, 29, 29, 29, 34, 53, 78, 100, 125}}, {{37, 86, 139, 170, 185, 174, 158, 145, 129}}},
+    {{{0, 0, 0, 0, 0, 2, 16, 44, 72}}, {{2, 55, 110, 168, 200, 211, 208, 191, 176}}},
+    {{{18, 18, 18, 18, 18, 18, 18, 18, 23}}, {{18, 45, 75, 102, 125, 150, 168, 173, 172}}},
+};
+
+HWY_INLINE CoarseToneCurve ramped(const CoarseToneCurve& plain, const CoarseToneCurve& strong,
+                                  int ratio) {
+  if (ratio <= kPlainRatio) return plain;
+  CoarseToneCurve curve;
+  for (int j = 0; j < kCoarseKnotCount; ++j) {
+    const int sum = (ratio - kPlainRatio) * strong.at[j] + (kStrongestRatio - ratio) * plain.at[j];
+    curve.at[j] = static_cast<std::uint8_t>((sum + 8) >> 4);
+  }
+  return curve;
+}
+
+// The four 8-entry tables of a channel, in one 16-byte table for the base (knots, then steps) and
+// one for the lift (knots, then half steps). Half steps are signed: lifts rise and fall.
+struct ChannelTables {
+  V8 base;
+  V8 lift;
+
+  HWY_INLINE ChannelTables(int channel, int ratio) {
+    const CoarseToneCurve b = ramped(kPlain[channel].base, kStrong[channel].base, ratio);
+    const CoarseToneCurve l = ramped(kPlain[channel].lift, kStrong[channel].lift, ratio);
+    HWY_ALIGN std::uint8_t baseTable[16], liftTable[16];
+    for (int j = 0; j < 8; ++j) {
+      baseTable[j] = b.at[j];
+      baseTable[8 + j] = static_cast<std::uint8_t>(b.at[j + 1] - b.at[j]);
+      liftTable[j] = l.at[j];
+      liftTable[8 + j] = static_cast<std::uint8_t>((l.at[j + 1] - l.at[j]) >> 1);
+    }
+    base = hn::LoadDup128(d8, baseTable);
+    lift = hn::LoadDup128(d8, liftTable);
+  }
+};
+
+// With i = m >> 5 and f = m mod 32: base + ((step * f + 16) >> 5), and to it the texture's share
+// ((lift * t + 128) >> 8) of lift = (16 knot + halfStep * f + 8) >> 4. With these curves what is
+// added to the base's knot is at most 239, and the lift lies within 1..211.
+HWY_INLINE V8 coarseLookup(const ChannelTables& tables, V8 m, const EvenOdd& texture128) {
+  const VU16 high = hn::ShiftRight<5>(hn::BitCast(du16, m));
+  const V8 index = hn::And(hn::BitCast(d8, high), hn::Set(d8, 7));
+  const V8 stepIndex = hn::Or(index, hn::Set(d8, 8));
+  const V8 f = hn::And(m, hn::Set(d8, 31));
+
+  const EvenOdd step = products(hn::TableLookupBytes(tables.base, stepIndex), f);
+  const EvenOdd halfStep = products(f, hn::TableLookupBytes(tables.lift, stepIndex));
+  const EvenOdd lift =
+      add(split(hn::TableLookupBytes(tables.lift, index)), shiftRightRounding<4>(halfStep));
+  const EvenOdd added = add(shiftRightRounding<5>(step), mulFixedPoint15(lift, texture128));
+  return hn::SaturatedAdd(hn::TableLookupBytes(tables.base, index), join(added));
+}
+
+// A quarter of the way toward grey, by two half-adds that round up.
+HWY_INLINE V8 towardGrey(V8 channel, V8 grey) {
+  return hn::AverageRound(hn::AverageRound(grey, channel), channel);
+}
+
+HWY_INLINE Rgb towardGrey(const Rgb& c, V8 grey) {
+  return {towardGrey(c.r, grey), towardGrey(c.g, grey), towardGrey(c.b, grey)};
+}
+
+struct EarlybirdStep : TextureStep {
+  ChannelTables r, g, b;
+
+  explicit EarlybirdStep(const LookJob& job)
+      : r(0, job.ratio), g(1, job.ratio), b(2, job.ratio) {}
+
+  HWY_INLINE Rgb lookup(const Rgb& m, V8 texels) const {
+    const EvenOdd texture128 = times128(texels);
+    return {coarseLookup(r, m.r, texture128), coarseLookup(g, m.g, texture128),
+            coarseLookup(b, m.b, texture128)};
+  }
+
+  HWY_INLINE void operator()(Pixels<Texture>& p, Pixels<Texture>& q) const {
+    p.colour = towardGrey(p.colour, p.luma);
+    q.colour = towardGrey(q.colour, q.luma);
+    p.colour = lookup(p.colour, p.texels);
+    q.colour = lookup(q.colour, q.texels);
+  }
+};
+
+}  // namespace
+
+const Look kEarlybird = makeLook<EarlybirdStep>();
+
+}  // namespace lumora::HWY_NAMESPACE

@@ -1,0 +1,65 @@
+// HUDSON: a cool film look: the texture by overlay, then a curve per channel; above strength 16
+// the same again on its own result, mixed in by the strength.
+#include "looks/texture/texture_step.h"
+
+namespace lumora::HWY_NAMESPACE {
+namespace {
+
+// R, G, B
+constexpr BuiltInCurves kCurves{
+    3,
+    {
+        {{36, 46, 58, 72, 83, 95, 109, 125, 138, 153, 168, 183, 198, 213, 228, 241, 255}},
+        {{0, 20, 40, 60, 77, 93, 109, 125, 141, 156, 171, 186, 201, 214, 228, 242, 255}},
+        {{0, 29, 51, 72, 96, 114, 132, 149, 167, 183, 198, 209, 219, 230, 238, 247, 255}},
+    },
+    {}};
+
+// c t / 128 up to 128; above, the same with both turned over: 255 - (255 - c)(255 - t) / 128. With
+// y = t - 128, or its complement where turned, c t / 128 is c + ((c y) >> 7): c is at most 128 then,
+// y and the shifted product fit signed bytes. The texture comes as y.
+HWY_INLINE V8 OverlayTexture(V8 c, V8 y) {
+  const V8 turned = hn::VecFromMask(d8, hn::Gt(c, hn::Set(d8, 128)));
+  const V8 a = hn::Xor(c, turned);
+  const V8 moved = joinShifted<7>(products(a, hn::Xor(y, turned)));
+  return hn::Xor(turned, hn::Add(a, moved));
+}
+
+template <bool kStrong>
+struct HudsonStep : TextureStep {
+  static constexpr NvConversion kConversion{.neutralIn = 128, .neutralOut = 128};
+  RgbCurves curves;
+  V8 weights;
+
+  explicit HudsonStep(const LookJob& job)
+      : curves(plainCurves(job, kCurves)),
+        weights(bytePairs(kStrongestRatio - job.ratio, job.ratio - kPlainRatio)) {}
+
+  static HWY_INLINE Rgb overlaid(const Rgb& c, V8 y) {
+    return {OverlayTexture(c.r, y), OverlayTexture(c.g, y), OverlayTexture(c.b, y)};
+  }
+  HWY_INLINE Rgb mixed(const Rgb& once, const Rgb& twice) const {
+    return {weightedMean<4>(once.r, twice.r, weights), weightedMean<4>(once.g, twice.g, weights),
+            weightedMean<4>(once.b, twice.b, weights)};
+  }
+
+  HWY_INLINE void operator()(Pixels<Texture>& a, Pixels<Texture>& b) const {
+    const V8 ya = hn::Sub(a.texels, hn::Set(d8, 128)), yb = hn::Sub(b.texels, hn::Set(d8, 128));
+    a.colour = overlaid(a.colour, ya);
+    b.colour = overlaid(b.colour, yb);
+    a.colour = CurveLookup(curves, a.colour);
+    b.colour = CurveLookup(curves, b.colour);
+    if constexpr (kStrong) {
+      const Rgb againA = overlaid(a.colour, ya), againB = overlaid(b.colour, yb);
+      const Rgb twiceA = CurveLookup(curves, againA), twiceB = CurveLookup(curves, againB);
+      a.colour = mixed(a.colour, twiceA);
+      b.colour = mixed(b.colour, twiceB);
+    }
+  }
+};
+
+}  // namespace
+
+const Look kHudson = makeTwoStrengthLook<HudsonStep>(&kCurves);
+
+}  // namespace lumora::HWY_NAMESPACE
