@@ -1,0 +1,450 @@
+// Colour fix against its formulas in plain single precision.
+#include "effects/colour_fix.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+
+#include "effects/reciprocal_estimate.h"
+#include "pipeline/dispatch.h"
+#include "support/captured_log.h"
+#include "support/test_handle.h"
+#include "support/thread_faults.h"
+
+#if defined(__ARM_NEON)
+#include <arm_neon.h>
+#endif
+
+namespace lumora::test {
+namespace {
+
+#if defined(LUMORA_REDUCED_TESTS)
+constexpr int kColourStep = 13;
+constexpr int kWidthStep = 5;
+#else
+constexpr int kColourStep = 1;
+constexpr int kWidthStep = 1;
+#endif
+
+using Bytes = std::vector<std::uint8_t>;
+
+struct Pixel {
+  int r, g, b;
+  int highest() const { return std::max({r, g, b}); }
+  int range() const { return highest() - std::min({r, g, b}); }
+};
+
+// The estimate as its description gives it, in real numbers: the reciprocal of the middle of the
+// 1/512 that x lies in, rounded to 1/256.
+float estimatedReciprocal(float x) {
+  int exponent = 0;
+  const double fraction = std::frexp(static_cast<double>(x), &exponent);  // 0.5 <= fraction < 1
+  const double middle = (std::floor(fraction * 512.0) + 0.5) / 512.0;
+  const double estimate = std::floor(256.0 / middle + 0.5) / 256.0;
+  return static_cast<float>(std::ldexp(estimate, -exponent));
+}
+
+// Half of the 255 places of a full turn for three sectors.
+struct Sector {
+  int base, difference;
+};
+
+Sector sectorOf(const Pixel& p) {
+  if (p.r == p.highest()) return {p.g < p.b ? 255 : 0, p.g - p.b};
+  if (p.g == p.highest()) return {85, p.b - p.r};
+  return {170, p.r - p.g};
+}
+
+int hueInEights(const Pixel& p) {
+  static const std::vector<float> estimates = [] {
+    std::vector<float> all(256);
+    for (int d = 1; d < 256; ++d) {
+      all[static_cast<std::size_t>(d)] = estimatedReciprocal(static_cast<float>(d));
+    }
+    return all;
+  }();
+  if (p.range() == 0) return 0;
+  const Sector s = sectorOf(p);
+  const float scale = 42.5f * estimates[static_cast<std::size_t>(p.range())];
+  return std::clamp(s.base + static_cast<int>(static_cast<float>(s.difference) * scale), 0, 255);
+}
+
+int hueByTable(const Pixel& p) {
+  const int d = p.range();
+  if (d == 0) return 0;
+  const Sector s = sectorOf(p);
+  const int scaled = (8192 / d * ((d >> 1) + 256 * s.difference)) >> 13;
+  return std::clamp(s.base + ((scaled * 85 + 256) >> 9), 0, 255);
+}
+
+struct Settings {
+  int red, green, blue, tolerance;
+};
+
+class Reference {
+ public:
+  explicit Reference(const Settings& s) : tolerance_(s.tolerance) {
+    const Pixel p{s.red, s.green, s.blue};
+    hue_ = hueByTable(p);
+    const int reciprocal = p.highest() == 0 ? 0 : 8192 / p.highest();
+    pale_ = (((reciprocal * p.range() * 255) >> 13) & 255) < 21;
+  }
+
+  void apply(std::uint8_t* pixel, bool inEights, bool masked) const {
+    const Pixel p{pixel[0], pixel[1], pixel[2]};
+    const int grey = (19 * p.r + 38 * p.g + 7 * p.b + (inEights ? 0 : 32)) >> 6;
+    const int hue = inEights ? hueInEights(p) : hueByTable(p);
+    const int distance = std::min({std::abs(hue_ - hue), hue_ + 255 - hue, hue - hue_ + 255});
+    if (!pale_ && !masked && distance <= tolerance_) return;
+    int k = 8192;
+    if (!pale_ && !masked && distance < 2 * tolerance_) {
+      k = (distance - tolerance_) * static_cast<int>(8192.0f / static_cast<float>(tolerance_));
+    }
+    for (int c = 0; c < 3; ++c) {
+      pixel[c] = static_cast<std::uint8_t>(std::min((pixel[c] * (8192 - k) + grey * k) >> 13, 255));
+    }
+  }
+
+ private:
+  int hue_;
+  int tolerance_;
+  bool pale_;
+};
+
+// A mask with exactly the bytes that its description has, right before an inaccessible page.
+class Mask {
+ public:
+  Mask(int width, int height, int padding)
+      : width_(width),
+        height_(height),
+        stride_(width + padding),
+        buffer_(static_cast<std::size_t>(stride_ * (height - 1) + width)) {
+    Noise noise(static_cast<std::uint32_t>(width * 31 + height));
+    std::generate_n(buffer_.data(), buffer_.size(),
+                    [&] { return static_cast<std::uint8_t>(noise.byte() % 3); });
+  }
+  void clear() { std::fill_n(buffer_.data(), buffer_.size(), std::uint8_t{0}); }
+  int height() const { return height_; }
+
+  void describe(FixColorParam& param) const {
+    param.mask = buffer_.data();
+    param.maskWidth = width_;
+    param.maskHeight = height_;
+    param.maskStride = stride_;
+  }
+
+  // The sample that stands for pixel (x, y) of a stripe: `rows` picture rows are laid over `count`
+  // mask rows from `first` on.
+  int at(int x, int y, int width, int rows, int first, int count) const {
+    const auto columnStep =
+        static_cast<std::int64_t>(static_cast<float>(width_) * 4096.0f / static_cast<float>(width));
+    const auto rowStep =
+        static_cast<std::int64_t>(static_cast<float>(count) * 4096.0f / static_cast<float>(rows));
+    const auto row = count == 0
+                         ? height_ - 1
+                         : std::min<std::int64_t>(first + ((y * rowStep) >> 12), height_ - 1);
+    return buffer_.data()[row * stride_ + ((x * columnStep) >> 12)];
+  }
+
+ private:
+  int width_, height_, stride_;
+  GuardedBuffer buffer_;
+};
+
+// The rows of a stripe and its part of the mask.
+struct Share {
+  int firstRow, rows, pairRows, firstMaskRow, maskRows;
+};
+
+std::vector<Share> sharesOf(int height, int maskHeight, Threads threads) {
+  if (threads == Threads::kCaller) return {{0, height, height, 0, maskHeight}};
+  std::vector<Share> shares;
+  int row = 0, maskRow = 0;
+  for (int k = 0; k < 4; ++k) {
+    const int rows = 2 * (height / 2 / 4 + (k < height / 2 % 4));
+    const int maskRows = 2 * (maskHeight / 2 / 4 + (k < maskHeight / 2 % 4));
+    shares.push_back({row, k == 3 ? height - row : rows, rows, maskRow, maskRows});
+    row += rows;
+    maskRow += maskRows;
+  }
+  return shares;
+}
+
+void referenceFix(const Picture& picture, const Settings& settings, const Mask* mask,
+                  Threads threads) {
+  const Reference reference(settings);
+  const int inEights = picture.widthPixels / 8 * 8;
+  for (const Share& s :
+       sharesOf(picture.heightRows, mask != nullptr ? mask->height() : 0, threads)) {
+    for (int y = 0; y < s.rows; ++y) {
+      for (int x = 0; x < picture.widthPixels; ++x) {
+        const bool masked = mask != nullptr && mask->at(x, y, picture.widthPixels, s.pairRows,
+                                                        s.firstMaskRow, s.maskRows) == 0;
+        reference.apply(picture.row(s.firstRow + y) + 4 * x, x < inEights, masked);
+      }
+    }
+  }
+}
+
+FixColorParam paramOf(const Settings& s, const Mask* mask = nullptr) {
+  FixColorParam param{};
+  param.red = static_cast<std::uint8_t>(s.red);
+  param.green = static_cast<std::uint8_t>(s.green);
+  param.blue = static_cast<std::uint8_t>(s.blue);
+  param.tolerance = static_cast<std::uint8_t>(s.tolerance);
+  if (mask != nullptr) mask->describe(param);
+  return param;
+}
+
+Status runFix(const Picture& picture, const FixColorParam& param, Threads threads) {
+  GuardedBuffer work(static_cast<std::size_t>(colourFixBytes(picture, param)));
+  return (threads == Threads::kFour ? FilterFixColor_multiThread : FilterFixColor_RGBA)(
+      picture, param, work.data());
+}
+
+void expectFixed(int width, int height, const Settings& settings, const Mask* mask = nullptr) {
+  for (const Threads threads : {Threads::kCaller, Threads::kFour}) {
+    const auto seed = static_cast<std::uint32_t>(width * 1000 + height);
+    TestPicture picture(PixelFormat::kRgba, width, height, 3, seed);
+    TestPicture reference(PixelFormat::kRgba, width, height, 3, seed);
+    referenceFix(reference.view(), settings, mask, threads);
+    ASSERT_EQ(runFix(picture.view(), paramOf(settings, mask), threads), Status::kOk);
+    const Bytes expected = reference.snapshot();
+    ASSERT_TRUE(picture.equals(expected))
+        << width << " x " << height << ": " << picture.difference(expected);
+  }
+}
+
+TEST(ReciprocalEstimate, IsThatOfTheProcessor) {
+  for (int d = 1; d < 256; ++d) {
+    const auto x = static_cast<float>(d);
+    EXPECT_EQ(reciprocalEstimateOf(d), estimatedReciprocal(x)) << d;
+#if defined(__ARM_NEON)
+    const float processors = vget_lane_f32(vrecpe_f32(vdup_n_f32(x)), 0);
+    EXPECT_EQ(std::bit_cast<std::uint32_t>(reciprocalEstimateOf(d)),
+              std::bit_cast<std::uint32_t>(processors))
+        << d;
+#endif
+  }
+}
+
+class ColourFix : public testing::TestWithParam<int> {
+ protected:
+  ForcedLevel level_{GetParam()};
+};
+
+using Rgb = std::array<int, 3>;
+
+// What becomes of one colour, among the eights of a row.
+Rgb fixedColour(const Rgb& colour, const Settings& settings, const Mask* mask = nullptr) {
+  TestPicture picture(PixelFormat::kRgba, 88, 88);
+  picture.fill(static_cast<std::uint8_t>(colour[0]), static_cast<std::uint8_t>(colour[1]),
+               static_cast<std::uint8_t>(colour[2]), 77);
+  EXPECT_EQ(runFix(picture.view(), paramOf(settings, mask), Threads::kFour), Status::kOk);
+  const std::uint8_t* const pixel = picture.view().row(40) + 4 * 40;
+  EXPECT_EQ(pixel[3], 77);
+  return {pixel[0], pixel[1], pixel[2]};
+}
+
+TEST_P(ColourFix, GivesTheWorkedValues) {
+  const Settings red{255, 0, 0, 20};
+  EXPECT_EQ(fixedColour({255, 0, 0}, red), (Rgb{255, 0, 0}));
+  EXPECT_EQ(fixedColour({0, 255, 0}, red), (Rgb{151, 151, 151}));
+  // Just below red, the other way round the circle: hue 250.
+  EXPECT_EQ(fixedColour({255, 0, 31}, red), (Rgb{255, 0, 31}));
+  // A grey reference keeps nothing, nor does a mask of zeros.
+  EXPECT_EQ(fixedColour({255, 0, 0}, {128, 128, 128, 20}), (Rgb{75, 75, 75}));
+  Mask zeros(10, 10, 0);
+  zeros.clear();
+  EXPECT_EQ(fixedColour({255, 0, 0}, red, &zeros), (Rgb{75, 75, 75}));
+  // Hue 30, at distance 20 + 10: halfway to its grey of 183, rounded down.
+  EXPECT_EQ(fixedColour({255, 181, 0}, red), (Rgb{219, 181, 91}));
+  // No tolerance at all keeps exactly the hue; the greatest keeps everything.
+  EXPECT_EQ(fixedColour({200, 0, 0}, {255, 0, 0, 0}), (Rgb{200, 0, 0}));
+  EXPECT_EQ(fixedColour({255, 9, 0}, {255, 0, 0, 0}), (Rgb{81, 81, 81}));
+  EXPECT_EQ(fixedColour({0, 128, 255}, {255, 0, 0, 255}), (Rgb{0, 128, 255}));
+}
+
+// Every colour, where every hue is visible: the fade reaches all of them.
+TEST_P(ColourFix, MeasuresTheHueOfEveryColour) {
+  constexpr int kWidth = 4096, kRows = 16;
+  for (const Settings& settings :
+       {Settings{255, 0, 3, 64}, Settings{0, 255, 0, 43}, Settings{40, 30, 90, 1}}) {
+    TestPicture picture(PixelFormat::kRgba, kWidth, kRows),
+        reference(PixelFormat::kRgba, kWidth, kRows);
+    for (int first = 0; first < 1 << 24; first += kColourStep * kWidth * kRows) {
+      for (int i = 0; i < kWidth * kRows; ++i) {
+        const int colour = first + i;
+        std::uint8_t* const pixel = picture.data() + 4 * i;
+        pixel[0] = static_cast<std::uint8_t>(colour >> 16);
+        pixel[1] = static_cast<std::uint8_t>(colour >> 8);
+        pixel[2] = static_cast<std::uint8_t>(colour);
+      }
+      reference.assign(picture.snapshot());
+      referenceFix(reference.view(), settings, nullptr, Threads::kCaller);
+      ASSERT_EQ(runFix(picture.view(), paramOf(settings), Threads::kCaller), Status::kOk);
+      const Bytes expected = reference.snapshot();
+      ASSERT_TRUE(picture.equals(expected)) << first << ": " << picture.difference(expected);
+    }
+  }
+}
+
+TEST_P(ColourFix, AgreesAtEverySizeAndTolerance) {
+  for (int width = 88; width < 88 + 140; width += kWidthStep) {
+    expectFixed(width, 13, {10, 200, 90, 30});
+  }
+  // Below a vector and below eight; whole pairs and an odd last row.
+  for (int width = 1; width < 20; width += 3) expectFixed(width, 9, {10, 20, 90, 40});
+  for (int height = 88; height < 96; ++height) expectFixed(92, height, {200, 10, 20, 50});
+  for (int tolerance = 0; tolerance < 256; tolerance += kWidthStep) {
+    expectFixed(91, 8, {200, 90, 20, tolerance});
+  }
+  expectFixed(91, 8, {100, 95, 95, 30});
+}
+
+TEST_P(ColourFix, StretchesEveryMask) {
+  const Settings settings{255, 60, 0, 60};
+  const struct {
+    int width, height, padding;
+  } masks[] = {{1, 1, 0},     {1, 3, 4},    {15, 7, 1},   {16, 8, 0},     {17, 9, 0},
+               {44, 45, 3},   {100, 90, 0}, {101, 91, 0}, {99, 89, 7},    {102, 91, 2},
+               {203, 180, 0}, {202, 5, 0},  {207, 2, 9},  {1000, 400, 1}, {64, 1000, 0}};
+  for (const auto& m : masks) {
+    const Mask mask(m.width, m.height, m.padding);
+    for (const int height : {88, 90, 91}) expectFixed(101, height, settings, &mask);
+    expectFixed(104, 89, settings, &mask);
+  }
+  // A pale reference is grey under any mask.
+  const Mask mask(30, 30, 0);
+  expectFixed(91, 89, {7, 7, 7, 60}, &mask);
+}
+
+TEST_P(ColourFix, RefusesMasksWithoutRowsBeforeThePictureIsTouched) {
+  const struct {
+    int width, height, stride;
+  } faults[] = {{0, 10, 10},  {10, 0, 10},         {10, 10, 9},
+                {-1, 10, 10}, {10, INT32_MIN, 10}, {10, 10, INT32_MIN}};
+  for (const auto& fault : faults) {
+    for (const int singleThread : {0, 1}) {
+      TestAllocator allocator;
+      const TestHandle handle(allocator, {});
+      TestPicture picture(PixelFormat::kRgba, 96, 88);
+      const Bytes before = picture.snapshot();
+      const std::uint8_t sample = 1;
+      FilterAlbumParam album{};
+      album.stProcess.eMode = LUMORA_MODE_COLOUR_FIX;
+      album.stProcess.singleThread = singleThread;
+      album.stFixColor = paramOf({255, 0, 0, 10});
+      album.stFixColor.mask = &sample;
+      album.stFixColor.maskWidth = fault.width;
+      album.stFixColor.maskHeight = fault.height;
+      album.stFixColor.maskStride = fault.stride;
+      const FilterImage image = picture.image();
+      const CapturedLog log;
+      EXPECT_EQ(filterProcess_for_album(handle.get(), &image, &album), 256u);
+      EXPECT_EQ(log.errors(), (std::vector<std::string>{"[%s] FilterFixColor_RGBA failed!\n",
+                                                        "[%s] process failed!\n"}));
+      EXPECT_TRUE(picture.equals(before));
+      EXPECT_EQ(allocator.liveBlocks(), 1);
+      // Without a mask the three words are not looked at.
+      album.stFixColor.mask = nullptr;
+      EXPECT_EQ(filterProcess_for_album(handle.get(), &image, &album), 0u);
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Levels, ColourFix, testing::ValuesIn(supportedLevels()),
+                         [](const auto& level) { return vectorLevelName(level.param); });
+
+// The whole call with its buffer.
+class ColourFixCall : public testing::Test {
+ protected:
+  ColourFixCall() {
+    album_.stProcess.eMode = LUMORA_MODE_COLOUR_FIX;
+    album_.stFixColor = paramOf({255, 0, 0, 30});
+  }
+  std::uint32_t process() {
+    const FilterImage image = picture_.image();
+    return filterProcess_for_album(handle_.get(), &image, &album_);
+  }
+
+  TestAllocator allocator_;
+  TestHandle handle_{allocator_, {}};
+  TestPicture picture_{PixelFormat::kRgba, 96, 89};
+  FilterAlbumParam album_{};
+};
+
+TEST_F(ColourFixCall, ObtainsTwoOrThreePlanes) {
+  const Mask mask(50, 40, 0);
+  for (const int singleThread : {0, 1}) {
+    album_.stProcess.singleThread = singleThread;
+    for (const bool masked : {false, true}) {
+      album_.stFixColor = paramOf({255, 0, 0, 30}, masked ? &mask : nullptr);
+      allocator_.clearRequests();
+      EXPECT_EQ(process(), 0u);
+      EXPECT_EQ(allocator_.requests(),
+                std::vector<std::uint32_t>{96u * 89u * (masked ? 3u : 2u) + 16u});
+
+      const Bytes before = picture_.snapshot();
+      const CapturedLog log;
+      allocator_.failAt(1);
+      EXPECT_EQ(process(), 512u);
+      EXPECT_EQ(log.errors().front(), "[%s] can't malloc enough memory!\n");
+      EXPECT_TRUE(picture_.equals(before));
+      EXPECT_EQ(allocator_.liveBlocks(), 1);
+    }
+  }
+}
+
+TEST_F(ColourFixCall, LeavesTheStripesOfMissingWorkersUntouched) {
+  TestPicture reference(PixelFormat::kRgba, 96, 89);
+  const Bytes before = reference.snapshot();
+  referenceFix(reference.view(), {255, 0, 0, 30}, nullptr, Threads::kFour);
+  const auto stripe = reference.bytes() / 89 * 22;
+  Bytes expected = reference.snapshot();
+  std::copy_n(before.begin() + static_cast<std::ptrdiff_t>(stripe), stripe,
+              expected.begin() + static_cast<std::ptrdiff_t>(stripe));
+  std::copy(before.begin() + static_cast<std::ptrdiff_t>(3 * stripe), before.end(),
+            expected.begin() + static_cast<std::ptrdiff_t>(3 * stripe));
+
+  const ThreadFaults faults(0b1010);
+  const CapturedLog log;
+  EXPECT_EQ(process(), 4096u);
+  EXPECT_EQ(log.errors(), (std::vector<std::string>{
+                              "[%s] pthread_create error!\n", "[%s]  Error threadID = %d!",
+                              "[%s]  Error threadID = %d!", "[%s] FilterFixColor_RGBA failed!\n",
+                              "[%s] process failed!\n"}));
+  EXPECT_TRUE(picture_.equals(expected)) << picture_.difference(expected);
+  EXPECT_EQ(allocator_.liveBlocks(), 1);
+}
+
+// The entry refuses these; the dispatcher by itself does too.
+TEST_F(ColourFixCall, IsRefusedForNvPictures) {
+  for (const PixelFormat format : {PixelFormat::kNv21, PixelFormat::kNv12}) {
+    for (const Threads threads : {Threads::kFour, Threads::kCaller}) {
+      TestPicture picture(format, 96, 88);
+      const Bytes before = picture.snapshot();
+      const Call call{.picture = picture.view(),
+                      .handle = handle_.view(),
+                      .mode = LUMORA_MODE_COLOUR_FIX,
+                      .direction = 0,
+                      .ratio = 16,
+                      .rect = {},
+                      .mosaicSize = 0,
+                      .threads = threads,
+                      .blur = nullptr,
+                      .tiltShift = nullptr,
+                      .fixColour = nullptr};
+      const CapturedLog log;
+      EXPECT_EQ(dispatch(call), Status::kBadArgument);
+      EXPECT_EQ(log.errors(),
+                std::vector<std::string>{"[%s] FilterFixColor_multiThread failed!\n"});
+      EXPECT_TRUE(picture.equals(before));
+    }
+  }
+}
+
+}  // namespace
+}  // namespace lumora::test
