@@ -1,0 +1,115 @@
+// The recursive Gaussian: its coefficients, and its bytes against the plain recursion.
+#include "effects/gaussian.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "effects/pyramid_reference.h"
+
+namespace lumora::test {
+namespace {
+
+struct DesignedRow {
+  int row;
+  double input, back1, back2, back3;
+};
+
+TEST(GaussianCoefficients, HaveTheDesignedValues) {
+  const DesignedRow rows[] = {
+      {0, 1, 0, 0, 0},
+      {50, 0.600001, 0.480779, -0.087722, 0.006942},
+      {100, 0.382527, 0.856059, -0.273452, 0.034866},
+      {200, 0.177374, 1.390876, -0.696591, 0.128341},
+      {500, 0.020765, 2.290633, -1.785096, 0.473698},
+  };
+  for (const DesignedRow& r : rows) {
+    const GaussianCoefficients k = gaussianCoefficients(r.row);
+    EXPECT_NEAR(k.input, r.input, 5.1e-7) << r.row;
+    EXPECT_NEAR(k.back1, r.back1, 5.1e-7) << r.row;
+    EXPECT_NEAR(k.back2, r.back2, 5.1e-7) << r.row;
+    EXPECT_NEAR(k.back3, r.back3, 5.1e-7) << r.row;
+  }
+}
+
+TEST(GaussianCoefficients, SumToOneAndChangeWithoutJumps) {
+  for (int row = 1; row < kGaussianRows; ++row) {
+    const GaussianCoefficients k = gaussianCoefficients(row);
+    const GaussianCoefficients before = gaussianCoefficients(row - 1);
+    EXPECT_NEAR(double{k.input} + k.back1 + k.back2 + k.back3, 1, 3e-7) << row;
+    EXPECT_LT(k.input, before.input) << row;
+    EXPECT_LT(std::fabs(k.back1 - before.back1), 0.02) << row;
+  }
+}
+
+TEST(GaussianCoefficients, RowsAreHundredthsOfSigma) {
+  EXPECT_EQ(gaussianRow(0), 0);
+  EXPECT_EQ(gaussianRow(0.0099f), 0);
+  EXPECT_EQ(gaussianRow(0.5f), 50);
+  EXPECT_EQ(gaussianRow(-0.5f), 50);
+  EXPECT_EQ(gaussianRow(4.5689f), 456);
+  EXPECT_EQ(gaussianRow(14.899f), 1489);
+  EXPECT_EQ(gaussianRow(14.9f), 1489);
+  EXPECT_EQ(gaussianRow(1e30f), 1489);
+}
+
+Planes smoothed(Planes in, float sigma) {
+  Planes out(in.width, in.height);
+  std::vector<float> work(2 * static_cast<std::size_t>(in.width * in.height));
+  RecursiveGaussianPlanes(in.view(), sigma, out.view(),
+                          reinterpret_cast<std::uint8_t*>(work.data()));
+  return out;
+}
+
+class GaussianAtLevel : public testing::TestWithParam<int> {
+ protected:
+  ForcedLevel level_{GetParam()};
+};
+
+INSTANTIATE_TEST_SUITE_P(Levels, GaussianAtLevel, testing::ValuesIn(supportedLevels()));
+
+TEST_P(GaussianAtLevel, SmoothsLikeThePlainRecursion) {
+#ifdef LUMORA_REDUCED_TESTS
+  const std::pair<int, int> sizes[] = {{64, 64}, {67, 101}};
+#else
+  const std::pair<int, int> sizes[] = {{64, 64}, {65, 64},  {64, 65},   {67, 101},
+                                       {96, 70}, {129, 77}, {191, 128}, {250, 193}};
+#endif
+  for (const auto& [width, height] : sizes) {
+    const Planes in = noisePlanes(width, height, 21);
+    for (const float sigma : {0.0f, 0.013f, 0.4f, 1.0f, 1.999f, 3.3f, 4.57f, 9.0f, 20.0f}) {
+      EXPECT_EQ(smoothed(in, sigma).bytes, referenceGaussian(in, gaussianRow(sigma)).bytes)
+          << width << " x " << height << ", sigma " << sigma;
+    }
+  }
+}
+
+// A few bright spots on black: the runs fade out over hundreds of samples, to nothing.
+TEST_P(GaussianAtLevel, FadesToBlackLikeThePlainRecursion) {
+  Planes in(400, 320);
+  for (const auto& [x, y] : {std::pair{3, 5}, {200, 160}, {399, 319}}) {
+    for (int channel = 0; channel < kChannelCount; ++channel) in.at(channel, x, y) = 255;
+  }
+  for (const float sigma : {0.05f, 0.6f, 2.5f, 4.57f, 14.0f}) {
+    EXPECT_EQ(smoothed(in, sigma).bytes, referenceGaussian(in, gaussianRow(sigma)).bytes) << sigma;
+  }
+}
+
+TEST_P(GaussianAtLevel, KeepsConstantPlanes) {
+#ifdef LUMORA_REDUCED_TESTS
+  constexpr int kRowStep = 97;
+#else
+  constexpr int kRowStep = 5;
+#endif
+  Planes in(64, 64);
+  for (int row = 0; row < kGaussianRows; row += kRowStep) {
+    for (int channel = 0; channel < kChannelCount; ++channel) {
+      const int value = (row / kRowStep * 85 + channel * 127) % 256;
+      std::fill_n(in.view().plane(channel), 64 * 64, static_cast<std::uint8_t>(value));
+    }
+    EXPECT_EQ(smoothed(in, static_cast<float>(row) / 100 + 0.005f).bytes, in.bytes) << row;
+  }
+}
+
+}  // namespace
+}  // namespace lumora::test
