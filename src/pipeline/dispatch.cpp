@@ -1,5 +1,6 @@
 #include "pipeline/dispatch.h"
 
+#include "config/filter_params.h"
 #include "pipeline/routes.h"
 #include "platform/log.h"
 
@@ -38,12 +39,13 @@ Status reported(const Call& call, const ModeRow& row, Status status) {
   return status;
 }
 
-const std::uint8_t* tuningBlock(const Call& call, const ModeRow& row) {
-  return row.blockOffset == kNoBlock ? nullptr : call.handle.params() + row.blockOffset;
+const std::uint8_t* tuningBlock(const Call& call) {
+  const int offset = tuningOffsetOf(static_cast<int>(call.mode));
+  return offset < 0 ? nullptr : call.handle.params() + offset;
 }
 
 Status runModeLook(const Call& call, const ModeRow& row, const std::uint8_t* texture) {
-  const LookInputs inputs{texture, tuningBlock(call, row), call.ratio};
+  const LookInputs inputs{texture, tuningBlock(call), call.ratio};
   return reported(call, row, runLook(row.look(), call.picture, inputs, call.threads));
 }
 

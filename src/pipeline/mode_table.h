@@ -33,12 +33,10 @@ struct ModeRow {
   Route route;
   const Look& (*look)();  // null for the effects
   int texturePlane;       // first plane of its texture in the handle, or kNoPlane
-  int blockOffset;        // of its block in the tuning parameters, or kNoBlock
   FormatMessages failure;
   FormatMessages failureOnCaller;  // on the calling thread
 };
 inline constexpr int kNoPlane = -1;
-inline constexpr int kNoBlock = -1;
 
 // The row of a mode in 1..20, null for any other.
 const ModeRow* findMode(std::uint32_t mode);
