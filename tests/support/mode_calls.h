@@ -1,0 +1,58 @@
+// Valid calls of every mode, for tests that go through all of them.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "support/test_handle.h"
+#include "support/test_picture.h"
+
+namespace lumora::test {
+
+// Where a call's textures come from.
+enum class TexturePath {
+  kPrepared,  // the handle holds them at the picture's size
+  kUnsized,   // resampled for the call from the pack's own sizes
+  kOtherSize  // resampled for the call from those of another picture's size
+};
+inline constexpr TexturePath kTexturePaths[] = {TexturePath::kPrepared, TexturePath::kUnsized,
+                                                TexturePath::kOtherSize};
+
+struct ModeCall {
+  std::uint32_t mode;
+  PixelFormat format;
+  TexturePath path = TexturePath::kPrepared;
+  bool onCaller = false;
+  int strength = 16;
+  int variant = 0;  // of mosaic rectangles, masks, circles and bands
+};
+
+// Every mode with every format that it takes.
+std::vector<ModeCall> allModeCalls();
+
+// The textures that the call's handle has for a picture of this size.
+TestHandle::Layout handleLayout(TexturePath path, PixelSize picture);
+
+// Whether the handle's textures (or its scratch planes) have a part in the mode.
+bool usesTexturePlanes(std::uint32_t mode);
+// Blur and tilt-shift take a level for a strength, and nothing is blended.
+inline bool isLevel(const ModeCall& call) { return call.mode >= LUMORA_MODE_BLUR; }
+// How many variants of its settings a mode has.
+inline int variantsOf(std::uint32_t mode) { return mode >= LUMORA_MODE_MOSAIC ? 2 : 1; }
+// Colour fix alone: its single- and four-threaded forms may differ.
+inline bool dependsOnThreads(std::uint32_t mode) { return mode == LUMORA_MODE_COLOUR_FIX; }
+// Mosaic alone moves alpha, inside its rectangle.
+inline bool keepsAlpha(std::uint32_t mode) { return mode != LUMORA_MODE_MOSAIC; }
+// A mosaic that fails is no failed call.
+inline bool reportsFailures(std::uint32_t mode) { return mode != LUMORA_MODE_MOSAIC; }
+
+// Settings that suit a picture of this size; the record of a mask is borrowed from static memory.
+FilterAlbumParam paramFor(const ModeCall& call, PixelSize picture);
+
+// The call itself, through filterProcess where that knows the mode.
+std::uint32_t run(const ModeCall& call, FilterHandle* handle, const FilterImage& image);
+
+std::string describe(const ModeCall& call);
+
+}  // namespace lumora::test
