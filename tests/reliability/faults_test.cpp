@@ -37,31 +37,15 @@ bool mentions(const std::vector<std::string>& messages, const char* text) {
                      [text](const std::string& m) { return m.find(text) != std::string::npos; });
 }
 
-// What a handle holds for good, and the two small textures, which the film look rewrites.
-class HandleContents {
- public:
-  explicit HandleContents(const FilterHandleView& view)
-      : view_(view), kept_(allButScratch()), marks_(view.blotch(), end()) {}
-  bool keptAreSame() const { return allButScratch() == kept_; }
-  void restoreMarks() const { std::copy(marks_.begin(), marks_.end(), view_.blotch()); }
-
- private:
-  std::uint8_t* end() const { return view_.blotch() + view_.smallTextures().bytes(); }
-  Bytes allButScratch() const {
-    Bytes bytes(view_.header().bytes, view_.plane(kScratchPlane));
-    bytes.insert(bytes.end(), view_.plane(kPlaneCount - 1), view_.blotch());
-    return bytes;
-  }
-
-  FilterHandleView view_;
-  Bytes kept_;
-  Bytes marks_;
-};
+// What a call leaves alone in its handle: all but the scratch planes and the film's marks.
+Bytes keptContents(const FilterHandleView& view) {
+  Bytes bytes(view.header().bytes, view.plane(kScratchPlane));
+  bytes.insert(bytes.end(), view.plane(kPlaneCount - 1), view.blotch());
+  return bytes;
+}
 
 class Faults : public testing::TestWithParam<TexturePath> {
  protected:
-  Faults() : handle_(allocator_, handleLayout(GetParam(), kPicture)), contents_(handle_.view()) {}
-
   // Calls f with every call that has something to do with this path.
   template <class F>
   void forEachCall(bool onCaller, F f) {
@@ -72,7 +56,7 @@ class Faults : public testing::TestWithParam<TexturePath> {
       for (call.variant = 0; call.variant < variantsOf(call.mode); ++call.variant) {
         SCOPED_TRACE(describe(call));
         f(call);
-        EXPECT_TRUE(contents_.keptAreSame());
+        EXPECT_TRUE(keptContents(handle_.view()) == kept_);
       }
     }
   }
@@ -84,7 +68,7 @@ class Faults : public testing::TestWithParam<TexturePath> {
   };
   Outcome outcomeOf(ModeCall call, int strength) {
     call.strength = strength;
-    contents_.restoreMarks();
+    marks_.restore();
     allocator_.clearRequests();
     TestPicture picture(call.format, kPicture.width, kPicture.height, 3);
     const CapturedLog log;
@@ -106,8 +90,9 @@ class Faults : public testing::TestWithParam<TexturePath> {
   }
 
   TestAllocator allocator_;
-  TestHandle handle_;
-  HandleContents contents_;
+  TestHandle handle_{allocator_, handleLayout(GetParam(), kPicture)};
+  const SavedMarks marks_{handle_.view()};
+  const Bytes kept_ = keptContents(handle_.view());
   int threads_ = threadsOfThisProcess();
 };
 

@@ -85,13 +85,20 @@ std::uint32_t run(const ModeCall& call, FilterHandle* handle, const FilterImage&
   return filterProcess(handle, &image, &param.stProcess);
 }
 
-std::string describe(const ModeCall& call) {
-  static constexpr const char* kPathNames[] = {"prepared", "unsized", "othersize"};
+std::string modeName(const ModeCall& call) {
   static constexpr const char* kFormatNames[] = {"", "rgba", "nv21", "nv12"};
+  return std::string(findMode(call.mode)->name) + ' ' + kFormatNames[static_cast<int>(call.format)];
+}
+
+std::string pathName(TexturePath path) {
+  static constexpr const char* kNames[] = {"prepared", "unsized", "other-size"};
+  return kNames[static_cast<int>(path)];
+}
+
+std::string describe(const ModeCall& call) {
   std::ostringstream text;
-  text << findMode(call.mode)->name << ' ' << kFormatNames[static_cast<int>(call.format)] << ' '
-       << kPathNames[static_cast<int>(call.path)] << (call.onCaller ? " one" : " four")
-       << " strength " << call.strength << " variant " << call.variant;
+  text << modeName(call) << ' ' << pathName(call.path) << (call.onCaller ? " one" : " four")
+       << " threads, strength " << call.strength << ", variant " << call.variant;
   return text.str();
 }
 

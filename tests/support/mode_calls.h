@@ -53,6 +53,21 @@ FilterAlbumParam paramFor(const ModeCall& call, PixelSize picture);
 // The call itself, through filterProcess where that knows the mode.
 std::uint32_t run(const ModeCall& call, FilterHandle* handle, const FilterImage& image);
 
+// The film look rewrites its two small textures in a prepared handle: they are the next call's
+// marks. This puts those back that the handle held at first.
+class SavedMarks {
+ public:
+  explicit SavedMarks(const FilterHandleView& view)
+      : view_(view), marks_(view.blotch(), view.blotch() + view.smallTextures().bytes()) {}
+  void restore() const { std::copy(marks_.begin(), marks_.end(), view_.blotch()); }
+
+ private:
+  FilterHandleView view_;
+  std::vector<std::uint8_t> marks_;
+};
+
+std::string modeName(const ModeCall& call);  // with the format
+std::string pathName(TexturePath path);
 std::string describe(const ModeCall& call);
 
 }  // namespace lumora::test
