@@ -18,9 +18,22 @@ using Bytes = std::vector<std::uint8_t>;
 constexpr PixelSize kPicture = {94, 90};
 constexpr int kWeakStrength = 5;  // below 16 the copy and the blend can fail too
 
+#if defined(LUMORA_REDUCED_TESTS)
+constexpr bool kReduced = true;
+#else
+constexpr bool kReduced = false;
+#endif
+
 int threadsOfThisProcess() {
   const std::filesystem::directory_iterator tasks("/proc/self/task");
   return static_cast<int>(std::distance(begin(tasks), end(tasks)));
+}
+
+// Sanitizers start a thread of their own together with the first one.
+int threadsAtRest() {
+  std::thread([] {}).join();
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  return threadsOfThisProcess();
 }
 
 // A joined thread may stay listed for a moment.
@@ -50,6 +63,7 @@ class Faults : public testing::TestWithParam<TexturePath> {
   template <class F>
   void forEachCall(bool onCaller, F f) {
     for (ModeCall call : allModeCalls()) {
+      if (kReduced && call.format == PixelFormat::kNv21) continue;
       call.path = GetParam();
       call.onCaller = onCaller;
       if (call.path != TexturePath::kPrepared && !usesTexturePlanes(call.mode)) continue;
@@ -93,7 +107,7 @@ class Faults : public testing::TestWithParam<TexturePath> {
   TestHandle handle_{allocator_, handleLayout(GetParam(), kPicture)};
   const SavedMarks marks_{handle_.view()};
   const Bytes kept_ = keptContents(handle_.view());
-  int threads_ = threadsOfThisProcess();
+  const int threads_ = threadsAtRest();
 };
 
 TEST_P(Faults, ARequestThatFailsLeavesThePictureAlone) {
@@ -165,7 +179,9 @@ TEST_P(Faults, AWorkerThatDoesNotStartIsReportedAndTheOthersJoined) {
   EXPECT_GT(cases, 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Paths, Faults, testing::ValuesIn(kTexturePaths));
+INSTANTIATE_TEST_SUITE_P(Paths, Faults, testing::ValuesIn(kTexturePaths), [](const auto& p) {
+  return p.param == TexturePath::kOtherSize ? "OtherSize" : pathName(p.param);
+});
 
 }  // namespace
 }  // namespace lumora::test
