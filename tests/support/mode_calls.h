@@ -44,8 +44,6 @@ inline int variantsOf(std::uint32_t mode) { return mode >= LUMORA_MODE_MOSAIC ? 
 inline bool dependsOnThreads(std::uint32_t mode) { return mode == LUMORA_MODE_COLOUR_FIX; }
 // Mosaic alone moves alpha, inside its rectangle.
 inline bool keepsAlpha(std::uint32_t mode) { return mode != LUMORA_MODE_MOSAIC; }
-// A mosaic that fails is no failed call.
-inline bool reportsFailures(std::uint32_t mode) { return mode != LUMORA_MODE_MOSAIC; }
 
 // Settings that suit a picture of this size; the record of a mask is borrowed from static memory.
 FilterAlbumParam paramFor(const ModeCall& call, PixelSize picture);
