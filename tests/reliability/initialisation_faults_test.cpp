@@ -155,6 +155,17 @@ TEST_P(InitialisationFaults, FilesShrinkBetweenAnyTwoSteps) {
   }
 }
 
+// No document takes more memory than a phone has to spare: larger ones count as none.
+TEST_P(InitialisationFaults, ADocumentHasALimit) {
+  constexpr std::uintmax_t kLimit = 16 << 20;
+  for (const std::uintmax_t bytes : {kLimit, kLimit + 1, kLimit << 10}) {
+    std::filesystem::resize_file(directory_.tuning(), bytes);  // zeros, which end the text
+    EXPECT_EQ(initialise(), 0u);
+    EXPECT_TRUE(contents() == (bytes > kLimit ? untuned_ : good_)) << bytes;
+    destroy();
+  }
+}
+
 // Without memory for the document there is none; without memory even for an empty one in its place
 // the initialisation fails, with a handle that only waits for its end.
 TEST_P(InitialisationFaults, EveryBlockOfTheDocumentFails) {
