@@ -1,5 +1,4 @@
 #include <cstdint>
-#include <limits>
 
 #include "config/characters.h"
 #include "config/xml_parser.h"
@@ -9,6 +8,9 @@ namespace lumora {
 namespace {
 
 constexpr std::size_t kGuessedBytes = 200;
+// The tree of a hostile document takes some thirty times the document's size, so a file of any size
+// could take all of the host's memory. Real documents have a few thousand bytes.
+constexpr std::int64_t kLargestFile = 16 << 20;
 // Zeros behind the file's bytes: one for each byte of the longest character.
 constexpr std::size_t kTerminatorBytes = 4;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
@@ -33,11 +35,11 @@ XmlStatus readWhole(const char* fileName, XmlText& bytes) {
   if (!file.seekToEnd()) return XmlStatus::kEmptyFile;
   const std::int64_t position = file.position();
   if (position < 1 || !file.seekToStart()) return XmlStatus::kEmptyFile;
-  const auto size = static_cast<std::uint64_t>(position);
-  if (size > std::numeric_limits<std::size_t>::max() / 2) return XmlStatus::kNoText;
-  bytes = XmlText::ofSize(static_cast<std::size_t>(size) + kTerminatorBytes);
+  if (position > kLargestFile) return XmlStatus::kNoText;
+  const auto size = static_cast<std::size_t>(position);
+  bytes = XmlText::ofSize(size + kTerminatorBytes);
   if (!bytes) return XmlStatus::kNoText;
-  if (file.read(bytes.get(), static_cast<std::size_t>(size)) < size) return XmlStatus::kEmptyFile;
+  if (file.read(bytes.get(), size) < size) return XmlStatus::kEmptyFile;
   for (std::size_t i = 0; i < kTerminatorBytes; ++i) bytes.get()[size + i] = '\0';
   return XmlStatus::kNoError;
 }

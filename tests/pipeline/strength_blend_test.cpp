@@ -48,7 +48,7 @@ TEST_P(StrengthBlend, TouchesItsOwnBytesAlone) {
     ASSERT_EQ(FilterBlend_multiThread(copy.data(), four.data(), bytes, 11), Status::kOk);
     EXPECT_TRUE(std::equal(expected.begin(), expected.end(), one.data())) << bytes;
     EXPECT_TRUE(std::equal(expected.begin(), expected.end(), four.data())) << bytes;
-    EXPECT_TRUE(one.frontIsIntact() && four.frontIsIntact());
+    EXPECT_TRUE(one.isIntact() && four.isIntact());
   }
 }
 

@@ -77,7 +77,7 @@ Bytes inGuardedMemory(const Bytes& src, const Sizes& s, int format, Resize resiz
   std::memcpy(from.data(), src.data(), src.size());
   std::memset(to.data(), 0xEE, to.size());
   resize(from.data(), to.data());
-  EXPECT_TRUE(to.frontIsIntact());
+  EXPECT_TRUE(to.isIntact());
   return {to.data(), to.data() + to.size()};
 }
 

@@ -1,7 +1,9 @@
 #include "support/test_allocator.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 namespace lumora::test {
 namespace {
@@ -16,38 +18,63 @@ bool isOurs(const char* tag, std::uint32_t flags) {
 
 TestAllocator::TestAllocator() { current = this; }
 
-TestAllocator::~TestAllocator() {
-  for (const auto& block : live_) std::free(block.second);
-  current = nullptr;
-}
+TestAllocator::~TestAllocator() { current = nullptr; }
 
 void TestAllocator::failAt(int n) { failIn_ = n; }
 
+void TestAllocator::guardBlocks(Placement placement, std::uint32_t slack) {
+  placement_ = placement;
+  slack_ = slack;
+}
+
+TestAllocator::Block TestAllocator::makeBlock(std::uint32_t size) const {
+  Block block;
+  if (slack_ == 0) {
+    // new's blocks start at 16-byte boundaries, or at 8-byte ones on 32-bit processors; the end of
+    // the request is the end of the block, where the sanitizers watch.
+    block.heap.reset(new (std::nothrow) std::uint8_t[std::size_t{size} + misalignment_]);
+    if (block.heap != nullptr) block.handedOut = block.heap.get() + misalignment_;
+    return block;
+  }
+  // Used bytes that are no multiple of 16 end up to 15 canaries before the page.
+  const std::uint32_t used = size - slack_;
+  const std::uint32_t padding = (16 - used % 16) % 16;
+  const bool endsAtPage = placement_ == Placement::kBeforePage;
+  block.guarded = std::make_unique<GuardedBuffer>(used, placement_, endsAtPage ? padding : 0);
+  // Before a page the block starts one byte after a boundary: the used part is then the next one.
+  block.handedOut = block.guarded->data() - (endsAtPage ? 15 : 0);
+  return block;
+}
+
 void* TestAllocator::allocate(std::uint32_t size, const char* tag, std::uint32_t flags) {
   TestAllocator& self = *current;
-  self.wellFormed_ = self.wellFormed_ && isOurs(tag, flags);
+  self.wellFormed_ = self.wellFormed_ && isOurs(tag, flags) && size >= self.slack_;
   self.requests_.push_back(size);
   if (self.failIn_ > 0 && --self.failIn_ == 0) return nullptr;
-  // malloc's blocks start at 16-byte boundaries, or at 8-byte ones on 32-bit processors; the end of
-  // the request is the end of the block, where the sanitizers watch.
-  auto* const block = static_cast<char*>(std::malloc(std::size_t{size} + self.misalignment_));
-  if (block == nullptr) return nullptr;
-  char* const handedOut = block + self.misalignment_;
-  // What a fresh block holds must not matter.
-  std::memset(handedOut, 0xA5, size < (1u << 22) ? size : (1u << 22));
-  self.live_[handedOut] = block;
+  if (size > self.largestRequest_) return nullptr;
+  Block block = self.makeBlock(size);
+  if (block.handedOut == nullptr) return nullptr;
+  // What a fresh block holds must not matter. Valgrind is told so by leaving it as it is.
+  static const bool plain = std::getenv("LUMORA_PLAIN_BLOCKS") != nullptr;
+  const bool guarded = block.guarded != nullptr;
+  if (!plain)
+    std::memset(guarded ? block.guarded->data() : block.handedOut, 0xA5,
+                std::min(guarded ? block.guarded->size() : size, std::size_t{1} << 22));
+  void* const handedOut = block.handedOut;
+  self.live_[handedOut] = std::move(block);
   return handedOut;
 }
 
 void TestAllocator::release(void* address, const char* tag, std::uint32_t flags) {
   TestAllocator& self = *current;
-  const auto block = self.live_.find(address);
-  if (block == self.live_.end() || !isOurs(tag, flags)) {
+  const auto found = self.live_.find(address);
+  if (found == self.live_.end() || !isOurs(tag, flags)) {
     self.wellFormed_ = false;
     return;
   }
-  std::free(block->second);
-  self.live_.erase(block);
+  const Block& block = found->second;
+  if (block.guarded != nullptr && !block.guarded->isIntact()) self.wellFormed_ = false;
+  self.live_.erase(found);
 }
 
 }  // namespace lumora::test

@@ -1,6 +1,7 @@
 // Handles made by hand, for tests that need no resource files.
 #pragma once
 
+#include <algorithm>
 #include <vector>
 
 #include "resources/handle_layout.h"

@@ -19,8 +19,8 @@ std::ptrdiff_t strideOf(PixelFormat format, int width, int extraStride) {
 }  // namespace
 
 TestPicture::TestPicture(PixelFormat format, int width, int height, int extraStride,
-                         std::uint32_t seed)
-    : buffer_(byteCount(format, height, strideOf(format, width, extraStride))),
+                         std::uint32_t seed, Placement placement)
+    : buffer_(byteCount(format, height, strideOf(format, width, extraStride)), placement),
       view_{format, buffer_.data(), width, height, strideOf(format, width, extraStride)} {
   Noise noise(seed);
   std::generate_n(data(), bytes(), [&] { return noise.byte(); });
@@ -31,6 +31,16 @@ FilterImage TestPicture::image() const {
           static_cast<std::uint32_t>(view_.widthPixels),
           static_cast<std::uint32_t>(view_.heightRows),
           static_cast<std::int32_t>(view_.strideBytes)};
+}
+
+bool TestPicture::keepsBorders(const std::vector<std::uint8_t>& before, bool alphaToo) const {
+  const std::ptrdiff_t rowBytes = std::ptrdiff_t{view_.widthPixels} * (view_.isRgba() ? 4 : 1);
+  for (std::size_t i = 0; i < bytes(); ++i) {
+    const std::ptrdiff_t column = static_cast<std::ptrdiff_t>(i) % view_.strideBytes;
+    const bool isAlpha = alphaToo && view_.isRgba() && column % 4 == 3;
+    if ((column >= rowBytes || isAlpha) && data()[i] != before[i]) return false;
+  }
+  return buffer_.isIntact();
 }
 
 bool TestPicture::equals(const std::vector<std::uint8_t>& other) const {

@@ -32,17 +32,20 @@ class Noise {
 };
 
 // A picture whose last byte (padding of the last row included) lies right before an inaccessible
-// page; its address is odd when its size is. Filled with noise, padding and alpha too.
+// page, or the first one right after it; before a page its address is odd when its size is. Filled
+// with noise, padding and alpha too.
 class TestPicture {
  public:
   TestPicture(PixelFormat format, int width, int height, int extraStride = 0,
-              std::uint32_t seed = 1);
+              std::uint32_t seed = 1, Placement placement = Placement::kBeforePage);
 
   Picture view() const { return view_; }
   FilterImage image() const;
   std::uint8_t* data() const { return view_.data; }
   std::size_t bytes() const { return buffer_.size(); }
   std::vector<std::uint8_t> snapshot() const { return {data(), data() + bytes()}; }
+  // Nothing beside the picture, in its padding or (RGBA, where asked for) in its alpha has changed.
+  bool keepsBorders(const std::vector<std::uint8_t>& before, bool alphaToo = true) const;
   bool equals(const std::vector<std::uint8_t>& other) const;
   // The first byte that differs, for messages.
   std::string difference(const std::vector<std::uint8_t>& expected) const;

@@ -2,15 +2,17 @@
 #pragma once
 
 #include <cerrno>
+#include <cstdint>
 
 #include "pipeline/stripe_runner.h"
 
 namespace lumora::test {
 
-// While it lives, the starts numbered in the mask fail: bit n is the (n + 1)-th start.
+// While it lives, the starts numbered in the mask fail: bit n is the (n + 1)-th start, and bit 63
+// every one from there on.
 class ThreadFaults {
  public:
-  explicit ThreadFaults(unsigned mask) {
+  explicit ThreadFaults(std::uint64_t mask) {
     faults = mask;
     starts = 0;
     StripeRunner::setThreadStart(start);
@@ -24,11 +26,11 @@ class ThreadFaults {
  private:
   static int start(pthread_t* thread, const pthread_attr_t* attributes, void* (*enter)(void*),
                    void* argument) {
-    const bool fails = starts < 32 && (faults >> starts & 1u) != 0;
+    const bool fails = (faults >> (starts < 63 ? starts : 63) & 1u) != 0;
     ++starts;
     return fails ? EAGAIN : pthread_create(thread, attributes, enter, argument);
   }
-  static inline unsigned faults = 0;
+  static inline std::uint64_t faults = 0;
   static inline int starts = 0;
 };
 

@@ -1,0 +1,190 @@
+// Every request for memory and every start of a worker fails once, in every mode, format, form and
+// path of textures. After each: status and messages, memory, threads, picture and handle.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+#include <thread>
+
+#include "support/captured_log.h"
+#include "support/mode_calls.h"
+#include "support/thread_faults.h"
+
+namespace lumora::test {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+constexpr PixelSize kPicture = {94, 90};
+constexpr int kWeakStrength = 5;  // below 16 the copy and the blend can fail too
+
+#if defined(LUMORA_REDUCED_TESTS)
+constexpr bool kReduced = true;
+#else
+constexpr bool kReduced = false;
+#endif
+
+int threadsOfThisProcess() {
+  const std::filesystem::directory_iterator tasks("/proc/self/task");
+  return static_cast<int>(std::distance(begin(tasks), end(tasks)));
+}
+
+// Sanitizers start a thread of their own together with the first one.
+int threadsAtRest() {
+  std::thread([] {}).join();
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  return threadsOfThisProcess();
+}
+
+// A joined thread may stay listed for a moment.
+bool threadsReturnTo(int count) {
+  for (int attempt = 0; attempt < 1000; ++attempt) {
+    if (threadsOfThisProcess() <= count) return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  return false;
+}
+
+bool mentions(const std::vector<std::string>& messages, const char* text) {
+  return std::any_of(messages.begin(), messages.end(),
+                     [text](const std::string& m) { return m.find(text) != std::string::npos; });
+}
+
+// What a call leaves alone in its handle: all but the scratch planes and the film's marks.
+Bytes keptContents(const FilterHandleView& view) {
+  Bytes bytes(view.header().bytes, view.plane(kScratchPlane));
+  bytes.insert(bytes.end(), view.plane(kPlaneCount - 1), view.blotch());
+  return bytes;
+}
+
+class Faults : public testing::TestWithParam<TexturePath> {
+ protected:
+  // Calls f with every call that has something to do with this path.
+  template <class F>
+  void forEachCall(bool onCaller, F f) {
+    for (ModeCall call : allModeCalls()) {
+      if (kReduced && call.format == PixelFormat::kNv21) continue;
+      call.path = GetParam();
+      call.onCaller = onCaller;
+      if (call.path != TexturePath::kPrepared && !usesTexturePlanes(call.mode)) continue;
+      for (call.variant = 0; call.variant < variantsOf(call.mode); ++call.variant) {
+        SCOPED_TRACE(describe(call));
+        f(call);
+        EXPECT_TRUE(keptContents(handle_.view()) == kept_);
+      }
+    }
+  }
+
+  struct Outcome {
+    std::uint32_t status;
+    Bytes picture;
+    std::vector<std::string> errors;
+  };
+  Outcome outcomeOf(ModeCall call, int strength) {
+    call.strength = strength;
+    marks_.restore();
+    allocator_.clearRequests();
+    TestPicture picture(call.format, kPicture.width, kPicture.height, 3);
+    const CapturedLog log;
+    const std::uint32_t status = run(call, handle_.get(), picture.image());
+    EXPECT_TRUE(picture.keepsBorders(untouched(call.format), keepsAlpha(call.mode)));
+    EXPECT_EQ(allocator_.liveBlocks(), 1) << "the handle alone";
+    EXPECT_TRUE(threadsReturnTo(threads_));
+    return {status, picture.snapshot(), log.errors()};
+  }
+  static Bytes untouched(PixelFormat format) {
+    return TestPicture(format, kPicture.width, kPicture.height, 3).snapshot();
+  }
+
+  void expectGood(const ModeCall& call, const Outcome& good) {
+    const Outcome again = outcomeOf(call, kWeakStrength);
+    EXPECT_EQ(again.status, 0u);
+    EXPECT_TRUE(again.errors.empty());
+    EXPECT_TRUE(again.picture == good.picture) << "the handle is as usable as before";
+  }
+
+  TestAllocator allocator_;
+  TestHandle handle_{allocator_, handleLayout(GetParam(), kPicture)};
+  const SavedMarks marks_{handle_.view()};
+  const Bytes kept_ = keptContents(handle_.view());
+  const int threads_ = threadsAtRest();
+};
+
+TEST_P(Faults, ARequestThatFailsLeavesThePictureAlone) {
+  int cases = 0;
+  const auto failEveryRequest = [&](const ModeCall& call) {
+    const Outcome good = outcomeOf(call, kWeakStrength);
+    const int requests = static_cast<int>(allocator_.requests().size());
+    ASSERT_EQ(good.status, 0u);
+    for (int n = 1; n <= requests; ++n, ++cases) {
+      SCOPED_TRACE(testing::Message() << "request " << n << " of " << requests);
+      allocator_.failAt(n);
+      const Outcome bad = outcomeOf(call, kWeakStrength);
+      // A mosaic without memory is left out, and the call goes on; the first request is the copy's.
+      EXPECT_EQ(bad.status, call.mode == LUMORA_MODE_MOSAIC && n > 1 ? 0u : 512u);
+      EXPECT_TRUE(mentions(bad.errors, "alloc")) << "the memory message";
+      EXPECT_FALSE(mentions(bad.errors, "pthread"));
+      EXPECT_TRUE(bad.picture == untouched(call.format));
+      expectGood(call, good);
+    }
+  };
+  forEachCall(false, failEveryRequest);
+  forEachCall(true, failEveryRequest);
+  RecordProperty("cases", cases);
+  EXPECT_GT(cases, 0);
+}
+
+// Bytes of a call that lost workers are untouched, filtered or blended, never anything else. (The
+// glow and the film's marks come from steps before the one that lost its worker.)
+bool isMixOf(const Bytes& bytes, const Bytes& a, const Bytes& b, const Bytes& c) {
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    if (bytes[i] != a[i] && bytes[i] != b[i] && bytes[i] != c[i]) return false;
+  }
+  return true;
+}
+
+TEST_P(Faults, AWorkerThatDoesNotStartIsReportedAndTheOthersJoined) {
+  int cases = 0;
+  forEachCall(false, [&](const ModeCall& call) {
+    const Outcome full = outcomeOf(call, isLevel(call) ? kWeakStrength : 16);
+    int starts = 0;
+    Outcome good;
+    {
+      const ThreadFaults none(0);
+      good = outcomeOf(call, kWeakStrength);
+      starts = ThreadFaults::startCount();
+    }
+    ASSERT_GT(starts, 0);
+    ASSERT_LT(starts, 63) << "more than the faults can tell apart";
+    for (int k = 0; k < starts; ++k) {
+      for (const std::uint64_t faults : {std::uint64_t{1} << k, ~std::uint64_t{0} << k}) {
+        SCOPED_TRACE(testing::Message() << "start " << k << " of " << starts);
+        ++cases;
+        const ThreadFaults injected(faults);
+        const Outcome bad = outcomeOf(call, kWeakStrength);
+        // A glow that lost a worker is left out or has gaps, a mosaic is left out; the step behind
+        // them, the curves or the blend, decides.
+        const bool lastStepDecides =
+            call.mode == LUMORA_MODE_MEISHIMENGHUAN || call.mode == LUMORA_MODE_MOSAIC;
+        const bool lastStepFails = faults >> (ThreadFaults::startCount() - kStripeCount) != 0;
+        EXPECT_EQ(bad.status, lastStepDecides && !lastStepFails ? 0u : 4096u);
+        EXPECT_TRUE(mentions(bad.errors, "pthread_create error!"));
+        EXPECT_TRUE(mentions(bad.errors, "Error threadID = %d!"));
+        EXPECT_FALSE(mentions(bad.errors, "alloc"));
+        if (call.mode != LUMORA_MODE_MEISHIMENGHUAN && call.mode != LUMORA_MODE_LAODIANYING) {
+          EXPECT_TRUE(isMixOf(bad.picture, untouched(call.format), full.picture, good.picture));
+        }
+      }
+      expectGood(call, good);
+    }
+  });
+  RecordProperty("cases", cases);
+  EXPECT_GT(cases, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Paths, Faults, testing::ValuesIn(kTexturePaths), [](const auto& p) {
+  return p.param == TexturePath::kOtherSize ? "OtherSize" : pathName(p.param);
+});
+
+}  // namespace
+}  // namespace lumora::test

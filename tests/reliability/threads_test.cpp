@@ -1,0 +1,108 @@
+// Handles are independent: what hosts do with different ones at the same time, and on which thread
+// they destroy them, changes nothing. Made for ThreadSanitizer; the bytes are compared everywhere.
+#include <gtest/gtest.h>
+
+#include <latch>
+#include <thread>
+
+#include "support/captured_log.h"
+#include "support/mode_calls.h"
+#include "support/resource_directory.h"
+
+namespace lumora::test {
+namespace {
+
+constexpr int kHosts = 3;
+
+// A host of its own, with the library's default allocator, which all hosts may use at once.
+class Host {
+ public:
+  explicit Host(const std::string& directory, std::uint32_t width) {
+    FilterInitParamApp param{};
+    param.width = width;
+    param.height = width == 0 ? 0 : 90;
+    param.pcResourceDir = directory.c_str();
+    status_ = filterInit_APP(&handle_, &param);
+  }
+  std::uint32_t status() const { return status_; }
+
+  // The results of every mode in a row.
+  std::vector<std::uint8_t> results() const {
+    std::vector<std::uint8_t> all;
+    for (ModeCall call : allModeCalls()) {
+      if (call.mode == LUMORA_MODE_LAODIANYING) continue;  // its marks lie elsewhere every time
+      call.strength = 9;
+      call.onCaller = call.mode % 2 == 0;
+      TestPicture picture(call.format, 94, 90);
+      EXPECT_EQ(run(call, handle_, picture.image()), 0u) << describe(call);
+      all.insert(all.end(), picture.data(), picture.data() + picture.bytes());
+    }
+    return all;
+  }
+  void ageFilm() const {
+    TestPicture picture(PixelFormat::kRgba, 94, 90);
+    EXPECT_EQ(run({LUMORA_MODE_LAODIANYING, PixelFormat::kRgba}, handle_, picture.image()), 0u);
+  }
+  std::uint32_t destroy() { return filterDestroy(&handle_); }
+
+ private:
+  FilterHandle* handle_ = nullptr;
+  std::uint32_t status_;
+};
+
+// Runs f(number) on several threads that start together.
+template <class F>
+void onThreads(F f) {
+  std::latch start(kHosts);
+  std::vector<std::thread> threads;
+  for (int i = 0; i < kHosts; ++i) {
+    threads.emplace_back([&start, f, i] {
+      start.arrive_and_wait();
+      f(i);
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+}
+
+class Threads : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    directory_ = std::make_unique<ResourceDirectory>();
+    ResourceDirectory::write(directory_->pack(), noisyPack());
+  }
+  static void TearDownTestSuite() { directory_.reset(); }
+  // A tuning document whose encoding has to be guessed, so that the guess is remembered.
+  static inline std::unique_ptr<ResourceDirectory> directory_;
+  const CapturedLog log_;
+};
+
+TEST_F(Threads, HostsThatDoEverythingAtOnceGetTheSameBytes) {
+  const std::string directory = directory_->path();
+  const std::uint32_t widths[kHosts] = {94, 0, 120};
+  std::vector<std::uint8_t> alone[kHosts];
+  for (int i = 0; i < kHosts; ++i) {
+    Host host(directory, widths[i]);
+    alone[i] = host.results();
+    host.destroy();
+  }
+  onThreads([&](int i) {
+    Host host(directory, widths[i]);
+    ASSERT_EQ(host.status(), 0u);
+    host.ageFilm();
+    EXPECT_TRUE(host.results() == alone[i]) << "host " << i;
+    host.destroy();
+  });
+}
+
+TEST_F(Threads, AHandleIsDestroyedOnAnotherThread) {
+  const std::string directory = directory_->path();
+  std::vector<std::unique_ptr<Host>> hosts(kHosts);
+  onThreads([&](int i) { hosts[i] = std::make_unique<Host>(directory, 94); });
+  onThreads([&](int i) {
+    EXPECT_EQ(hosts[(i + 1) % kHosts]->destroy(), 0u);
+    EXPECT_EQ(hosts[(i + 1) % kHosts]->destroy(), 0u) << "nothing is left to destroy";
+  });
+}
+
+}  // namespace
+}  // namespace lumora::test
