@@ -24,14 +24,14 @@ std::string toText(const TiltShiftParam& t) {
 Bytes circleMask(int width, int height, const BlurParam& circle) {
   const GuardedBuffer mask(static_cast<std::size_t>(width * height));
   BuildCircleMask(mask.data(), width, height, circle);
-  EXPECT_TRUE(mask.frontIsIntact());
+  EXPECT_TRUE(mask.isIntact());
   return {mask.data(), mask.data() + mask.size()};
 }
 
 Bytes tiltMask(int width, int height, const TiltShiftParam& tilt) {
   const GuardedBuffer mask(static_cast<std::size_t>(width * height));
   BuildTiltMask(mask.data(), width, height, tilt);
-  EXPECT_TRUE(mask.frontIsIntact());
+  EXPECT_TRUE(mask.isIntact());
   return {mask.data(), mask.data() + mask.size()};
 }
 
