@@ -1,0 +1,199 @@
+#!/usr/bin/env python3
+"""Writes docs/performance.md and its charts from the benchmark's JSON output.
+
+    bench/report.py RESULTS.json [DOCS_DIRECTORY]
+"""
+
+import json
+import pathlib
+import sys
+
+import charts
+from results import Results, Verdict, thread_rows
+
+HERE = pathlib.Path(__file__).resolve().parent
+LOOKS = ["HEIBAI", "MORAN", "RIXI", "FUGU", "VALENCIA", "NUANYANGYANG", "TIANMEIKEREN", "YUNDUAN",
+         "LIANGHONG", "LOFI", "EARLYBIRD", "XPRO2", "HUDSON", "MYFAIR", "LAODIANYING",
+         "MEISHIMENGHUAN"]
+EFFECTS = [("MOSAIC", 16), ("COLOURFIX", 16), ("COLOURFIX-MASK", 16), ("BLUR", 1), ("BLUR", 3),
+           ("TILTSHIFT", 3)]
+MODES = [(look, 16) for look in LOOKS] + EFFECTS
+FORMATS = ["rgba", "nv21", "nv12"]
+SIZES = ["1280x720", "1920x1080", "4000x3000"]
+LIBRARIES = ["libyuv", "opencv", "vips", "avfilter"]
+
+
+def case(mode, form, size="4000x3000", strength=16, threads=1, textures="prepared"):
+    return f"{mode}/{form}/{size}/s{strength}/t{threads}/{textures}"
+
+
+def number(value, digits=2):
+    return "" if value is None else f"{value:.{digits}f}"
+
+
+def table(head, rows):
+    lines = ["| " + " | ".join(head) + " |", "|---" + "|---:" * (len(head) - 1) + "|"]
+    lines += ["| " + " | ".join(row) + " |" for row in rows if any(row[1:])]
+    return "\n".join(lines) + "\n"
+
+
+def mode_name(mode, strength):
+    return f"{mode} level {strength}" if mode in ("BLUR", "TILTSHIFT") else mode
+
+
+def targets_table(results, targets):
+    rows = []
+    for target in targets:
+        verdict = Verdict(results, target)
+        met = {True: "met", False: "**missed**", None: "not complete"}[verdict.met]
+        peers = "; ".join(
+            f"{speed:.1f} x {name} (target {factor:g}){'' if speed >= factor else ' **missed**'}"
+            for name, speed, factor in verdict.peers)
+        worst = "" if verdict.case is None else "`" + verdict.case + "`"
+        rows.append([verdict.work, number(verdict.limit, 2), number(verdict.value), met, peers,
+                     worst])
+    head = ["Work", "Target", "Measured", "", "As fast as the peer", "Worst case"]
+    return table(head, rows)
+
+
+def modes_table(results):
+    rows = []
+    for mode, strength in MODES:
+        row = [mode_name(mode, strength)]
+        for form in FORMATS:
+            name = case(mode, form, strength=strength)
+            row += [number(results.get(name, "ms")), number(results.get(name))]
+        rgba = case(mode, "rgba", strength=strength)
+        row += [number(results.get(rgba, "Mpx/s"), 0)]
+        rows.append(row)
+    head = ["Mode"] + [f"{form} {unit}" for form in FORMATS for unit in ("ms", "x limit")]
+    return table(head + ["rgba Mpx/s"], rows)
+
+
+def columns_table(results, head, columns, form="rgba", modes=MODES, column="ms"):
+    """One row per mode; columns: keyword arguments of case()."""
+    rows = [[mode_name(mode, strength)]
+            + [number(results.get(case(mode, form, **{"strength": strength, **wanted}), column))
+               for wanted in columns]
+            for mode, strength in modes]
+    return table(["Mode"] + head, rows)
+
+
+def default_allocator_table(results):
+    rows = []
+    for mode, strength in MODES:
+        for at in sorted({8, strength}):
+            name = case(mode, "rgba", strength=at)
+            if results.get(name, "x_default") is not None:
+                rows.append([f"{mode} strength {at}", number(results.get(name)),
+                             number(results.get(name, "x_default"))])
+    return table(["Work (RGBA)", "reused blocks", "default pair"], rows)
+
+
+def threads_table(results, rule):
+    rows = []
+    for row in thread_rows(results, rule):
+        verdict = ""
+        if row.wanted is not None:
+            verdict = "met" if row.speedup >= row.wanted else "**missed**"
+        if row.slower_by_more:
+            verdict += " **slower than one**"
+        rows.append([row.name.replace("/t1/prepared", ""), number(row.one), number(row.four),
+                     number(row.speedup), number(row.wanted, 1), verdict])
+    return table(["Work", "1 thread ms", "4 threads ms", "faster", "target", ""], rows)
+
+
+def steps_table(results):
+    names = [name for name in results.cases
+             if name.split("/")[0] in ("memcpy", "blend", "threads", "resize1", "resize3", "init")]
+    return table(["Step", "ms", "x limit", "of filling a fresh block"],
+                 [[name, number(results.get(name, "ms"), 3), number(results.get(name)),
+                   number(results.get(name, "x_fill"))] for name in names])
+
+
+def peers_table(results):
+    works = sorted({"/".join(name.split("/")[2:4]) for name in results.cases
+                    if name.startswith("peer/")})
+    return table(["Work"] + LIBRARIES,
+                 [[work] + [number(results.get(f"peer/{library}/{work}/4000x3000"))
+                            for library in LIBRARIES] for work in works])
+
+
+def write_charts(results, targets, directory):
+    marks = {}
+    for target in targets:
+        for name in Verdict(results, target).work.replace(" RGBA", "").split(", "):
+            if target["work"].endswith("RGBA"):
+                marks[name] = target["limit"]
+    rows = [(mode_name(mode, strength),
+             [results.get(case(mode, form, strength=strength)) for form in ("rgba", "nv12")],
+             marks.get(mode)) for mode, strength in MODES]
+    rows = [row for row in rows if row[1][0] is not None]
+    (directory / "modes.svg").write_text(charts.bars(
+        "Times of the in-place limit, 12 megapixels (mark: target of RGBA)", ["RGBA", "NV12"], rows))
+
+    shown = ["HEIBAI", "RIXI", "TIANMEIKEREN", "EARLYBIRD"]
+    per_pixel = [(mode, [None if ms is None else 1e6 * ms / (int(w) * int(h))
+                         for size in SIZES for w, h in [size.split("x")]
+                         for ms in [results.get(case(mode, "rgba", size), "ms")]])
+                 for mode in shown]
+    if all(any(v is not None for v in values) for _, values in per_pixel):
+        (directory / "sizes.svg").write_text(charts.lines(
+            "Nanoseconds a pixel, RGBA, one thread", "picture size", SIZES, per_pixel))
+    strengths = [8, 16, 32]
+    by_strength = [(mode, [results.get(case(mode, "rgba", strength=s)) for s in strengths])
+                   for mode in shown]
+    if all(any(v is not None for v in values) for _, values in by_strength):
+        (directory / "strengths.svg").write_text(charts.lines(
+            "Times of the limit, RGBA, one thread", "strength", strengths, by_strength))
+
+
+def document(results, targets, rule):
+    context = results.context
+    sections = {
+        "MACHINE": f"{context.get('processor', 'unknown processor')}, {context['num_cpus']} cores, "
+                   f"vector level {context['vector_level']}, {context.get('compiler', '')}; "
+                   f"{context['date'][:10]}. The limit ran at {context['limit_GB/s']} GB/s on 48 MB "
+                   f"(an in-place addition at {context['in_place_add_GB/s']} GB/s), times by "
+                   f"{context['clock']} clock.",
+        "TARGETS": targets_table(results, targets),
+        "MODES": modes_table(results),
+        "SIZES": columns_table(results, SIZES, [{"size": size} for size in SIZES]),
+        "STRENGTHS": columns_table(results, ["8", "16", "32"],
+                                   [{"strength": s} for s in (8, 16, 32)], column="x_limit",
+                                   modes=[(look, 16) for look in LOOKS]),
+        "PERCALL": columns_table(results, ["prepared", "per call"],
+                                 [{}, {"textures": "percall"}], column="x_limit",
+                                 modes=[(look, 16) for look in LOOKS[7:]]),
+        "ALLOCATORS": default_allocator_table(results),
+        "THREADS": threads_table(results, rule),
+        "STEPS": steps_table(results),
+        "PEERS": peers_table(results),
+        "LIMITS": (HERE / "limits.md").read_text(encoding="utf-8"),
+    }
+    text = (HERE / "performance.in.md").read_text(encoding="utf-8")
+    for name, section in sections.items():
+        text = text.replace(f"@{name}@", section.rstrip("\n"))
+    return text
+
+
+def main():
+    if len(sys.argv) not in (2, 3):
+        sys.exit(__doc__)
+    results = Results(sys.argv[1])
+    docs = pathlib.Path(sys.argv[2] if len(sys.argv) == 3 else HERE.parent / "docs")
+    with open(HERE / "targets.json", encoding="utf-8") as file:
+        wanted = json.load(file)
+    images = docs / "performance"
+    images.mkdir(parents=True, exist_ok=True)
+    write_charts(results, wanted["targets"], images)
+    text = document(results, wanted["targets"], wanted["threads"])
+    (docs / "performance.md").write_text(text, encoding="utf-8")
+    for name, why in sorted(results.refused.items())[:5]:
+        print(f"refused: {name}: {why}")
+    if len(results.refused) > 5:
+        print(f"... {len(results.refused)} cases refused in all")
+
+
+if __name__ == "__main__":
+    main()
