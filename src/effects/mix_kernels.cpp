@@ -84,27 +84,26 @@ HWY_INLINE EvenOdd doubled(const std::uint8_t* upper, const std::uint8_t* lower,
   return {widen(own), widen(hn::AverageRound(own, next))};
 }
 
+// A vector of grown pixels, in the order of RGBA vectors.
 struct GrownPixels {
   EvenOdd r, g, b;
 
   HWY_INLINE GrownPixels(const RgbaMixRow& row, int x)
-      : r(doubled(row.upper.channel[0], row.lower.channel[0], x)),
-        g(doubled(row.upper.channel[1], row.lower.channel[1], x)),
-        b(doubled(row.upper.channel[2], row.lower.channel[2], x)) {}
+      : r(inRgbaOrder(doubled(row.upper.channel[0], row.lower.channel[0], x))),
+        g(inRgbaOrder(doubled(row.upper.channel[1], row.lower.channel[1], x))),
+        b(inRgbaOrder(doubled(row.upper.channel[2], row.lower.channel[2], x))) {}
 };
 
 template <class Share>
 HWY_INLINE void mixPixels(std::uint8_t* pixels, const GrownPixels& grown, const Share& share) {
-  V8 r, g, b, alpha;
-  hn::LoadInterleaved4(d8, pixels, r, g, b, alpha);
-  hn::StoreInterleaved4(share.mix(r, grown.r), share.mix(g, grown.g), share.mix(b, grown.b), alpha,
-                        d8, pixels);
+  const Rgba p = loadRgba(pixels);
+  const Rgb mixed{share.mix(p.colour.r, grown.r), share.mix(p.colour.g, grown.g),
+                  share.mix(p.colour.b, grown.b)};
+  storeRgba({mixed, p.alpha}, pixels);
 }
 
 HWY_INLINE void replacePixels(std::uint8_t* pixels, const GrownPixels& grown) {
-  V8 r, g, b, alpha;
-  hn::LoadInterleaved4(d8, pixels, r, g, b, alpha);
-  hn::StoreInterleaved4(join(grown.r), join(grown.g), join(grown.b), alpha, d8, pixels);
+  storeRgba({{join(grown.r), join(grown.g), join(grown.b)}, loadRgba(pixels).alpha}, pixels);
 }
 
 void mixRgbaByWeight(const RgbaMixRow& row) {
@@ -129,7 +128,7 @@ void mixRgbaByMask(const RgbaMixRow& row) {
     std::uint8_t* const inRow = row.pixels + 4 * x;
     std::uint8_t* const pixels = left < kLanes8 ? tail.load(inRow, left) : inRow;
     const V8 mask =
-        hn::LoadU(d8, left < kLanes8 ? maskTail.load(row.mask + x, left) : row.mask + x);
+        loadInRgbaOrder(left < kLanes8 ? maskTail.load(row.mask + x, left) : row.mask + x);
     prefetch(row.mask + row.widthPixels + x, kLanes8);
     if (hn::AllTrue(d8, hn::Eq(mask, hn::Zero(d8)))) continue;
     prefetch(row.pixels + row.ahead + 4 * x, 4 * kLanes8);

@@ -66,9 +66,8 @@ struct RgbaLaneOrder {
   }
 };
 
-// One byte a pixel, in the order of RGBA vectors.
-HWY_INLINE V8 loadInRgbaOrder(const std::uint8_t* at) {
-  const V8 natural = hn::LoadU(d8, at);
+// From the order of the picture to that of RGBA vectors.
+HWY_INLINE V8 inRgbaOrder(V8 natural) {
   if constexpr (kBlocks == 1) return natural;
   HWY_ALIGN static constexpr RgbaLaneOrder kOrder;
   return hn::BitCast(d8, hn::TableLookupLanes(hn::BitCast(du32, natural),
@@ -130,7 +129,7 @@ HWY_INLINE void storeRgba(const Rgba& p, std::uint8_t* at) {
   hn::StoreInterleaved4(p.colour.r, p.colour.g, p.colour.b, p.alpha, d8, at);
 }
 
-HWY_INLINE V8 loadInRgbaOrder(const std::uint8_t* at) { return hn::LoadU(d8, at); }
+HWY_INLINE V8 inRgbaOrder(V8 natural) { return natural; }
 
 HWY_INLINE Rgb loadRgb(const std::uint8_t* at) {
   Rgb p;
@@ -140,5 +139,13 @@ HWY_INLINE Rgb loadRgb(const std::uint8_t* at) {
 HWY_INLINE Rgb loadRgbInRgbaOrder(const std::uint8_t* at) { return loadRgb(at); }
 
 #endif
+
+// One byte a pixel, in the order of RGBA vectors.
+HWY_INLINE V8 loadInRgbaOrder(const std::uint8_t* at) { return inRgbaOrder(hn::LoadU(d8, at)); }
+
+HWY_INLINE EvenOdd inRgbaOrder(EvenOdd natural) {
+  return {hn::BitCast(di16, inRgbaOrder(hn::BitCast(d8, natural.even))),
+          hn::BitCast(di16, inRgbaOrder(hn::BitCast(d8, natural.odd)))};
+}
 
 }  // namespace lumora::HWY_NAMESPACE
