@@ -16,7 +16,7 @@ struct MoranStep : ColourStep {
 
   explicit MoranStep(const LookJob& job) : curve(rampedCurve(job, kCurves, 0)) {}
 
-  HWY_INLINE V8 operator()(V8 grey, NoTexture::Texels) const { return CurveLookup(curve, grey); }
+  HWY_INLINE V8 operator()(V8 grey, const std::uint8_t*) const { return CurveLookup(curve, grey); }
   HWY_INLINE Rgb operator()(const Pixels<Texture>& p) const {
     const V8 toned = CurveLookup(curve, p.luma);
     return {toned, toned, toned};
@@ -24,7 +24,7 @@ struct MoranStep : ColourStep {
 };
 
 void runNvMoran(const LookJob& job) {
-  walkLuma<NoTexture>(job, MoranStep(job));
+  walkBytes<1, NoTexture>(job, MoranStep(job));
   neutraliseChroma(job);
 }
 

@@ -27,17 +27,45 @@ HWY_INLINE VI16 weightedPairs(V8 bytes) {
   return multiplyAddPairs(bytes, hn::BitCast(d8, hn::Set(du16, kWeights)));
 }
 
-// Bytes 0..255 times bytes -128..127.
-HWY_INLINE EvenOdd products(V8 bytes, V8 signedBytes) {
-  const VU16 pairs = hn::BitCast(du16, signedBytes);
-  const V8 even = hn::BitCast(d8, hn::And(pairs, hn::Set(du16, 0x00FF)));
-  const V8 odd = hn::BitCast(d8, hn::And(pairs, hn::Set(du16, 0xFF00)));
-  return {multiplyAddPairs(bytes, even), multiplyAddPairs(bytes, odd)};
-}
-
-// The weights of weightedMean, 0..127 each.
+// Weights 0..127 for pairs of bytes.
 HWY_INLINE V8 bytePairs(int first, int second) {
   return hn::BitCast(d8, hn::Set(du16, static_cast<std::uint16_t>(first | second << 8)));
+}
+
+// Bytes -128..127 as factors of products: the even ones and the odd ones, zeros between them.
+struct Factors {
+  V8 even;
+  V8 odd;
+};
+HWY_INLINE Factors factors(V8 signedBytes) {
+  const VU16 pairs = hn::BitCast(du16, signedBytes);
+  return {hn::BitCast(d8, hn::And(pairs, hn::Set(du16, 0x00FF))),
+          hn::BitCast(d8, hn::And(pairs, hn::Set(du16, 0xFF00)))};
+}
+template <class Mask>
+HWY_INLINE Factors eitherFactor(Mask isFirst, int first, int second) {
+  return {hn::IfThenElse(isFirst, bytePairs(first, 0), bytePairs(second, 0)),
+          hn::IfThenElse(isFirst, bytePairs(0, first), bytePairs(0, second))};
+}
+
+// Bytes 0..255 times factors.
+HWY_INLINE EvenOdd products(V8 bytes, const Factors& f) {
+  return {multiplyAddPairs(bytes, f.even), multiplyAddPairs(bytes, f.odd)};
+}
+// Factors 0..127 times bytes -128..127.
+HWY_INLINE EvenOdd products(const Factors& f, V8 signedBytes) {
+  return {multiplyAddPairs(f.even, signedBytes), multiplyAddPairs(f.odd, signedBytes)};
+}
+
+// (19 R + 38 G + 7 B + 32) >> 6: the luminance estimate of every look. The last pair is B and 1.
+HWY_INLINE V8 GrayFromRGB(const Rgb& c) {
+  const V8 one = hn::Set(d8, 1);
+  const V8 redGreen = bytePairs(19, 38), blueHalf = bytePairs(7, 32);
+  const VI16 low = hn::Add(multiplyAddPairs(hn::InterleaveLower(d8, c.r, c.g), redGreen),
+                           multiplyAddPairs(hn::InterleaveLower(d8, c.b, one), blueHalf));
+  const VI16 high = hn::Add(multiplyAddPairs(hn::InterleaveUpper(d8, c.r, c.g), redGreen),
+                            multiplyAddPairs(hn::InterleaveUpper(d8, c.b, one), blueHalf));
+  return packClamped(hn::ShiftRight<6>(low), hn::ShiftRight<6>(high));
 }
 
 // (a * first + b * second + 2^(kBits - 1)) >> kBits, which must be a byte.
@@ -65,13 +93,35 @@ HWY_INLINE VI16 weightedPairs(V8 bytes) {
   return hn::Add(weighted<kEven>(v.even), weighted<kOdd>(v.odd));
 }
 
-HWY_INLINE EvenOdd products(V8 bytes, V8 signedBytes) {
+using Factors = EvenOdd;
+HWY_INLINE Factors factors(V8 signedBytes) {
   const VI16 pairs = hn::BitCast(di16, signedBytes);
-  return mul(split(bytes),
-             {hn::ShiftRight<8>(hn::ShiftLeft<8>(pairs)), hn::ShiftRight<8>(pairs)});
+  return {hn::ShiftRight<8>(hn::ShiftLeft<8>(pairs)), hn::ShiftRight<8>(pairs)};
+}
+template <class Mask>
+HWY_INLINE Factors eitherFactor(Mask isFirst, int first, int second) {
+  const auto byte = [](int v) { return hn::Set(d8, static_cast<std::uint8_t>(v)); };
+  return split(hn::IfThenElse(isFirst, byte(first), byte(second)));
+}
+HWY_INLINE EvenOdd products(V8 bytes, const Factors& f) { return mul(split(bytes), f); }
+HWY_INLINE EvenOdd products(const Factors& f, V8 signedBytes) {
+  return mul(f, factors(signedBytes));
+}
+
+HWY_INLINE VI16 greyOf(VI16 r, VI16 g, VI16 b) {
+  const VI16 redGreen = hn::Mul(hn::Add(r, hn::Add(g, g)), hn::Set(di16, 19));
+  return shiftRightRounding<6>(hn::Add(redGreen, hn::Mul(b, hn::Set(di16, 7))));
+}
+HWY_INLINE V8 GrayFromRGB(const Rgb& c) {
+  const EvenOdd r = split(c.r), g = split(c.g), b = split(c.b);
+  return join(greyOf(r.even, g.even, b.even), greyOf(r.odd, g.odd, b.odd));
 }
 
 #endif
+
+HWY_INLINE EvenOdd products(V8 bytes, V8 signedBytes) {
+  return products(bytes, factors(signedBytes));
+}
 
 template <int kWeight>
 HWY_INLINE EvenOdd weightedHalves(V8 bytes) {
@@ -84,13 +134,5 @@ HWY_INLINE EvenOdd times128(V8 bytes) {
   return {hn::BitCast(di16, hn::And(hn::ShiftLeft<7>(pairs), mask)),
           hn::BitCast(di16, hn::And(hn::ShiftRight<1>(pairs), mask))};
 }
-
-// (19 R + 38 G + 7 B + 32) >> 6: the luminance estimate of every look. The sum is at most 16352.
-HWY_INLINE EvenOdd greySums(const Rgb& c) {
-  const VI16 half = hn::Set(di16, 32);
-  const EvenOdd red = weightedHalves<19>(c.r), green = weightedHalves<38>(c.g);
-  return add(add(red, green), add(weightedHalves<7>(c.b), {half, half}));
-}
-HWY_INLINE V8 GrayFromRGB(const Rgb& c) { return joinShifted<6>(greySums(c)); }
 
 }  // namespace lumora::HWY_NAMESPACE

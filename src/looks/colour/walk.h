@@ -147,26 +147,27 @@ void walkNv(const LookJob& job, const Step step) {
   }
 }
 
-// Work on the luma plane of NV pictures alone: step is a function of a vector of luma and its
-// texels.
-template <class Texture, class Step>
-void walkLuma(const LookJob& job, const Step step) {
-  TailBlock<kLanes8, 1> tail;
-  TailBlock<kLanes8, Texture::kBytesPerPixel> textureTail;
+// Work on rows of bytes as they lie there, kPixelBytes a pixel: the luma plane of NV pictures, or
+// interleaved pixels. The step is a function of a vector of bytes and the place of its texels.
+template <int kPixelBytes, class Texture, class Step>
+void walkBytes(const LookJob& job, const Step step) {
+  constexpr int kPixels = kLanes8 / kPixelBytes;
+  TailBlock<kPixels, kPixelBytes> tail;
+  TailBlock<kPixels, Texture::kBytesPerPixel> textureTail;
   for (int y = 0; y < job.rows; ++y) {
     std::uint8_t* const row = job.pixels + y * job.strideBytes;
     const std::uint8_t* const textureRow =
         job.texture + static_cast<std::ptrdiff_t>(y) * job.widthPixels * Texture::kBytesPerPixel;
-    for (int x = 0; x < job.widthPixels; x += kLanes8) {
+    for (int x = 0; x < job.widthPixels; x += kPixels) {
       const int left = job.widthPixels - x;
-      std::uint8_t* luma = row + x;
+      std::uint8_t* bytes = row + kPixelBytes * x;
       const std::uint8_t* texture = textureRow + Texture::kBytesPerPixel * x;
-      if (left < kLanes8) {
-        luma = tail.load(luma, left);
+      if (left < kPixels) {
+        bytes = tail.load(bytes, left);
         texture = textureTail.load(texture, left);
       }
-      hn::StoreU(step(hn::LoadU(d8, luma), Texture::load(texture)), d8, luma);
-      if (left < kLanes8) tail.store(row + x);
+      hn::StoreU(step(hn::LoadU(d8, bytes), texture), d8, bytes);
+      if (left < kPixels) tail.store(row + kPixelBytes * x);
     }
   }
 }

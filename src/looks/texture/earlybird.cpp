@@ -69,7 +69,7 @@ HWY_INLINE V8 coarseLookup(const ChannelTables& tables, V8 m, const EvenOdd& tex
   const VU16 high = hn::ShiftRight<5>(hn::BitCast(du16, m));
   const V8 index = hn::And(hn::BitCast(d8, high), hn::Set(d8, 7));
   const V8 stepIndex = hn::Or(index, hn::Set(d8, 8));
-  const V8 f = hn::And(m, hn::Set(d8, 31));
+  const Factors f = factors(hn::And(m, hn::Set(d8, 31)));
 
   const EvenOdd step = products(hn::TableLookupBytes(tables.base, stepIndex), f);
   const EvenOdd halfStep = products(f, hn::TableLookupBytes(tables.lift, stepIndex));

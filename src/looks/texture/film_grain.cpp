@@ -33,26 +33,43 @@ constexpr Mix kDark{0.8f, 0x1.999998p-3f};
 template <int k>
 HWY_INLINE VF32 quarter(V8 bytes) {
   const auto lanes = hn::ShiftRight<8 * k>(hn::BitCast(du32, bytes));
-  return hn::ConvertTo(df32, hn::BitCast(di32, hn::And(lanes, hn::Set(du32, 0xFF))));
+  const auto byte = k == 3 ? lanes : hn::And(lanes, hn::Set(du32, 0xFF));
+  return hn::ConvertTo(df32, hn::BitCast(di32, byte));
+}
+
+// Highway's own conversion spends as much again on values outside the integers.
+HWY_INLINE hn::Vec<DI32> truncated(VF32 value) {
+#if HWY_TARGET == HWY_AVX3
+  return hn::Vec<DI32>{_mm512_cvttps_epi32(value.raw)};
+#elif HWY_TARGET == HWY_AVX2
+  return hn::Vec<DI32>{_mm256_cvttps_epi32(value.raw)};
+#elif HWY_ARCH_X86
+  return hn::Vec<DI32>{_mm_cvttps_epi32(value.raw)};
+#else
+  return hn::ConvertTo(di32, value);
+#endif
 }
 
 // Truncates 0..255 and puts it in byte k of every lane.
 template <int k>
 HWY_INLINE V8 inQuarter(VF32 value) {
-  return hn::BitCast(d8, hn::ShiftLeft<8 * k>(hn::ConvertTo(di32, value)));
+  return hn::BitCast(d8, hn::ShiftLeft<8 * k>(truncated(value)));
 }
 
-struct GrainedQuarter {
-  VF32 grain;          // already weighted
-  VF32 pictureWeight;  // for the picture's channels
+HWY_INLINE VF32 either(VF32 mask, float set, float clear) {
+  const VF32 difference = hn::Xor(hn::Set(df32, set), hn::Set(df32, clear));
+  return hn::Xor(hn::Set(df32, clear), hn::And(mask, difference));
+}
 
-  HWY_INLINE GrainedQuarter(VF32 grey, VF32 texel) {
-    const auto isDark = hn::Lt(grey, hn::Set(df32, kDarkBelow));
-    const VF32 weight =
-        hn::IfThenElse(isDark, hn::Set(df32, kDark.grain), hn::Set(df32, kBright.grain));
-    grain = hn::Mul(weight, texel);
-    pictureWeight =
-        hn::IfThenElse(isDark, hn::Set(df32, kDark.picture), hn::Set(df32, kBright.picture));
+// How the grain mixes with the channels of a pixel, by the pixel's grey.
+struct GrainMix {
+  VF32 grain;  // already weighted
+  VF32 pictureWeight;
+
+  HWY_INLINE GrainMix(VF32 grey, VF32 texel) {
+    const VF32 isDark = hn::VecFromMask(df32, hn::Lt(grey, hn::Set(df32, kDarkBelow)));
+    grain = hn::Mul(either(isDark, kDark.grain, kBright.grain), texel);
+    pictureWeight = either(isDark, kDark.picture, kBright.picture);
   }
 
   HWY_INLINE VF32 operator()(VF32 channel) const {
@@ -60,39 +77,35 @@ struct GrainedQuarter {
   }
 };
 
+// Green and blue first, then red.
 HWY_INLINE VF32 greyOf(VF32 r, VF32 g, VF32 b) {
-  const VF32 greenBlue =
-      hn::Add(hn::Mul(hn::Set(df32, kGreenWeight), g), hn::Mul(hn::Set(df32, kBlueWeight), b));
+  const VF32 green = hn::Mul(hn::Set(df32, kGreenWeight), g);
+  const VF32 greenBlue = hn::Add(green, hn::Mul(hn::Set(df32, kBlueWeight), b));
   return hn::Add(greenBlue, hn::Mul(hn::Set(df32, kRedWeight), r));
 }
 
-HWY_INLINE Rgb operator|(const Rgb& a, const Rgb& b) {
-  return {hn::Or(a.r, b.r), hn::Or(a.g, b.g), hn::Or(a.b, b.b)};
-}
-
-struct RgbaGrainStep {
-  using Texture = GreyTexture;
-
-  template <int k>
-  static HWY_INLINE Rgb grained(const Pixels<GreyTexture>& p) {
-    const VF32 r = quarter<k>(p.colour.r), g = quarter<k>(p.colour.g), b = quarter<k>(p.colour.b);
-    const GrainedQuarter grain(greyOf(r, g, b), quarter<k>(p.texels));
-    return {inQuarter<k>(grain(r)), inQuarter<k>(grain(g)), inQuarter<k>(grain(b))};
-  }
-
-  HWY_INLINE Rgb operator()(const Pixels<GreyTexture>& p) const {
-    return (grained<0>(p) | grained<1>(p)) | (grained<2>(p) | grained<3>(p));
+// Interleaved pixels, one in every 32-bit lane.
+struct RgbaGrain {
+  HWY_INLINE V8 operator()(V8 pixels, const std::uint8_t* texels) const {
+    const auto bytes = hn::LoadU(hn::Rebind<std::uint8_t, DI32>(), texels);
+    const VF32 texel = hn::ConvertTo(df32, hn::PromoteTo(di32, bytes));
+    const VF32 r = quarter<0>(pixels), g = quarter<1>(pixels), b = quarter<2>(pixels);
+    const GrainMix mix(greyOf(r, g, b), texel);
+    const V8 redGreen = hn::Or(inQuarter<0>(mix(r)), inQuarter<1>(mix(g)));
+    const V8 alpha = hn::And(pixels, hn::BitCast(d8, hn::Set(du32, 0xFF000000)));
+    return hn::Or(hn::Or(redGreen, inQuarter<2>(mix(b))), alpha);
   }
 };
 
-struct LumaGrainStep {
+struct LumaGrain {
   template <int k>
   static HWY_INLINE V8 grained(V8 luma, V8 texels) {
     const VF32 y = quarter<k>(luma);
-    return inQuarter<k>(GrainedQuarter(y, quarter<k>(texels))(y));
+    return inQuarter<k>(GrainMix(y, quarter<k>(texels))(y));
   }
 
-  HWY_INLINE V8 operator()(V8 luma, V8 texels) const {
+  HWY_INLINE V8 operator()(V8 luma, const std::uint8_t* at) const {
+    const V8 texels = hn::LoadU(d8, at);
     return hn::Or(hn::Or(grained<0>(luma, texels), grained<1>(luma, texels)),
                   hn::Or(grained<2>(luma, texels), grained<3>(luma, texels)));
   }
@@ -106,9 +119,9 @@ void addGrain(const Picture& picture, const std::uint8_t* grain) {
   job.pixels = picture.data;
   job.texture = grain;
   if (picture.isRgba()) {
-    walkRgba(job, RgbaGrainStep{});
+    walkBytes<4, GreyTexture>(job, RgbaGrain{});
   } else {
-    walkLuma<GreyTexture>(job, LumaGrainStep{});
+    walkBytes<1, GreyTexture>(job, LumaGrain{});
   }
 }
 

@@ -30,10 +30,12 @@ struct HudsonStep : TextureStep {
   static constexpr NvConversion kConversion{.neutralIn = 128, .neutralOut = 128};
   RgbCurves curves;
   V8 weights;
+  bool isDouble;  // nothing of the single result is left
 
   explicit HudsonStep(const LookJob& job)
       : curves(plainCurves(job, kCurves)),
-        weights(bytePairs(kStrongestRatio - job.ratio, job.ratio - kPlainRatio)) {}
+        weights(bytePairs(kStrongestRatio - job.ratio, job.ratio - kPlainRatio)),
+        isDouble(job.ratio == kStrongestRatio) {}
 
   static HWY_INLINE Rgb overlaid(const Rgb& c, V8 y) {
     return {OverlayTexture(c.r, y), OverlayTexture(c.g, y), OverlayTexture(c.b, y)};
@@ -52,8 +54,8 @@ struct HudsonStep : TextureStep {
     if constexpr (kStrong) {
       const Rgb againA = overlaid(a.colour, ya), againB = overlaid(b.colour, yb);
       const Rgb twiceA = CurveLookup(curves, againA), twiceB = CurveLookup(curves, againB);
-      a.colour = mixed(a.colour, twiceA);
-      b.colour = mixed(b.colour, twiceB);
+      a.colour = isDouble ? twiceA : mixed(a.colour, twiceA);
+      b.colour = isDouble ? twiceB : mixed(b.colour, twiceB);
     }
   }
 };

@@ -17,12 +17,12 @@ constexpr int kNeutral = 124;
 constexpr int kSecondPassOffset = 2000;
 
 // The texture's factors below and above the threshold.
-struct Factors {
+struct TextureFactors {
   EvenOdd dark;   // 2 t
   EvenOdd light;  // 380 - t
 };
 
-HWY_INLINE Factors factorsOf(const EvenOdd& t) {
+HWY_INLINE TextureFactors factorsOf(const EvenOdd& t) {
   const VI16 ceiling = hn::Set(di16, kCeiling);
   return {{hn::Add(t.even, t.even), hn::Add(t.odd, t.odd)},
           {hn::Sub(ceiling, t.even), hn::Sub(ceiling, t.odd)}};
@@ -30,7 +30,7 @@ HWY_INLINE Factors factorsOf(const EvenOdd& t) {
 
 // c t / 128 up to the threshold, above it 255 - (255 - c)(380 - t) / 256. Products are at most
 // 169 * 380, which fills unsigned lanes.
-HWY_INLINE V8 OverlayBlend(V8 c, const Factors& f) {
+HWY_INLINE V8 OverlayBlend(V8 c, const TextureFactors& f) {
   const V8 turned = hn::VecFromMask(d8, hn::Gt(c, hn::Set(d8, kThreshold)));
   const EvenOdd channel = split(c), a = split(hn::Xor(c, turned));
   const VI16 threshold = hn::Set(di16, kThreshold);
@@ -40,7 +40,7 @@ HWY_INLINE V8 OverlayBlend(V8 c, const Factors& f) {
   return hn::Xor(turned, joinShifted<8>(mul(a, factor)));
 }
 
-HWY_INLINE Rgb OverlayBlend(const Rgb& c, const Factors& f) {
+HWY_INLINE Rgb OverlayBlend(const Rgb& c, const TextureFactors& f) {
   return {OverlayBlend(c.r, f), OverlayBlend(c.g, f), OverlayBlend(c.b, f)};
 }
 

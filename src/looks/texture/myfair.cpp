@@ -34,8 +34,7 @@ HWY_INLINE V8 blended(V8 a, V8 b) {
   const auto isScreen = hn::Gt(a, hn::Set(d8, kThreshold));
   const V8 turned = hn::VecFromMask(d8, isScreen);
   const V8 room = hn::SaturatedSub(hn::Set(d8, kScreenReference), b);
-  const V8 weight2 = hn::IfThenElse(isScreen, hn::Set(d8, 2 * kScreenWeight),
-                                    hn::Set(d8, 2 * kMultiplyWeight));
+  const Factors weight2 = eitherFactor(isScreen, 2 * kScreenWeight, 2 * kMultiplyWeight);
   const EvenOdd v = mulFixedPoint15(products(hn::Xor(a, turned), weight2),
                                     weightedHalves<4>(hn::IfThenElse(isScreen, room, b)));
   return hn::Xor(turned, joinClamped(v));
