@@ -6,6 +6,11 @@
 
 namespace lumora::HWY_NAMESPACE {
 
+// Weights 0..127 for pairs of bytes.
+HWY_INLINE V8 bytePairs(int first, int second) {
+  return hn::BitCast(d8, hn::Set(du16, static_cast<std::uint16_t>(first | second << 8)));
+}
+
 #if HWY_ARCH_X86
 
 // even u * even s + odd u * odd s, with s signed. The sums must lie within the signed lanes.
@@ -25,11 +30,6 @@ HWY_INLINE VI16 weightedPairs(V8 bytes) {
   static_assert(kEven >= -128 && kEven <= 127 && kOdd >= -128 && kOdd <= 127);
   constexpr auto kWeights = static_cast<std::uint16_t>((kEven & 255) | (kOdd & 255) << 8);
   return multiplyAddPairs(bytes, hn::BitCast(d8, hn::Set(du16, kWeights)));
-}
-
-// Weights 0..127 for pairs of bytes.
-HWY_INLINE V8 bytePairs(int first, int second) {
-  return hn::BitCast(d8, hn::Set(du16, static_cast<std::uint16_t>(first | second << 8)));
 }
 
 // Bytes -128..127 as factors of products: the even ones and the odd ones, zeros between them.
@@ -115,6 +115,14 @@ HWY_INLINE VI16 greyOf(VI16 r, VI16 g, VI16 b) {
 HWY_INLINE V8 GrayFromRGB(const Rgb& c) {
   const EvenOdd r = split(c.r), g = split(c.g), b = split(c.b);
   return join(greyOf(r.even, g.even, b.even), greyOf(r.odd, g.odd, b.odd));
+}
+
+template <int kBits>
+HWY_INLINE V8 weightedMean(V8 a, V8 b, V8 weights) {
+  const EvenOdd first = split(a), second = split(b), w = split(weights);
+  const auto sum = [&w](VI16 x, VI16 y) { return hn::Add(hn::Mul(x, w.even), hn::Mul(y, w.odd)); };
+  return join(shiftRightRounding<kBits>(sum(first.even, second.even)),
+              shiftRightRounding<kBits>(sum(first.odd, second.odd)));
 }
 
 #endif
