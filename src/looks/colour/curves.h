@@ -1,8 +1,8 @@
 // Evaluation of tone curves on vectors of pixels, and their ramps by strength. Level sources only.
 #pragma once
 
-#include "looks/colour/tone_curve.h"
 #include "looks/colour/pair_products.h"
+#include "looks/colour/tone_curve.h"
 
 namespace lumora::HWY_NAMESPACE {
 

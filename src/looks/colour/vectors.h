@@ -86,9 +86,7 @@ HWY_INLINE V8 joinClamped(VI16 even, VI16 odd) {
 HWY_INLINE VI16 clampToByte(VI16 v) {
   return hn::Min(hn::Max(v, hn::Zero(di16)), hn::Set(di16, 255));
 }
-HWY_INLINE V8 joinClamped(VI16 even, VI16 odd) {
-  return join(clampToByte(even), clampToByte(odd));
-}
+HWY_INLINE V8 joinClamped(VI16 even, VI16 odd) { return join(clampToByte(even), clampToByte(odd)); }
 
 #endif
 

@@ -29,12 +29,12 @@ class TailBlock {
 
  private:
   size_t bytes_ = 0;
-  HWY_ALIGN std::uint8_t block_[kBytesPerPixel > 0 ? kPixels * kBytesPerPixel : 1] = {};
+  HWY_ALIGN std::uint8_t block_[kBytesPerPixel > 0 ? kPixels* kBytesPerPixel : 1] = {};
 };
 
 // The steps run on two vectors at a time, which keeps the processor busy while either waits for its
-// own results. Most steps are a function of one vector; one of several stages may take both, so that
-// each stage is done with both before the next one begins.
+// own results. Most steps are a function of one vector; one of several stages may take both, so
+// that each stage is done with both before the next one begins.
 template <class Step, class Texture>
 HWY_INLINE void applyStep(const Step& step, Pixels<Texture>& a, Pixels<Texture>& b) {
   if constexpr (requires { step(a, b); }) {

@@ -91,8 +91,7 @@ HWY_INLINE Rgb towardGrey(const Rgb& c, V8 grey) {
 struct EarlybirdStep : TextureStep {
   ChannelTables r, g, b;
 
-  explicit EarlybirdStep(const LookJob& job)
-      : r(0, job.ratio), g(1, job.ratio), b(2, job.ratio) {}
+  explicit EarlybirdStep(const LookJob& job) : r(0, job.ratio), g(1, job.ratio), b(2, job.ratio) {}
 
   HWY_INLINE Rgb lookup(const Rgb& m, V8 texels) const {
     const EvenOdd texture128 = times128(texels);

@@ -1,7 +1,7 @@
 // The grain of an aged film. Single precision throughout, each product rounded before it is added:
 // every byte of the result depends on it.
-#include "looks/texture/film_ageing.h"
 #include "looks/colour/walk.h"
+#include "looks/texture/film_ageing.h"
 
 namespace lumora::HWY_NAMESPACE {
 namespace {

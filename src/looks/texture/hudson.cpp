@@ -16,8 +16,8 @@ constexpr BuiltInCurves kCurves{
     {}};
 
 // c t / 128 up to 128; above, the same with both turned over: 255 - (255 - c)(255 - t) / 128. With
-// y = t - 128, or its complement where turned, c t / 128 is c + ((c y) >> 7): c is at most 128 then,
-// y and the shifted product fit signed bytes. The texture comes as y.
+// y = t - 128, or its complement where turned, c t / 128 is c + ((c y) >> 7): c is at most 128
+// then, y and the shifted product fit signed bytes. The texture comes as y.
 HWY_INLINE V8 OverlayTexture(V8 c, V8 y) {
   const V8 turned = hn::VecFromMask(d8, hn::Gt(c, hn::Set(d8, 128)));
   const V8 a = hn::Xor(c, turned);

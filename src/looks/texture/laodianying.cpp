@@ -45,8 +45,8 @@ HWY_INLINE V8 tinted(const EvenOdd& v, VI16 tint128) {
 // Bright pixels times the shade, over 256: rounded in RGBA pictures, truncated in NV pictures.
 template <bool kRounds, bool kStrong>
 struct LaodianyingStep : TextureStep {
-  static constexpr NvConversion kConversion{
-      .neutralOut = 128, .means = NvConversion::Means::kHalfAdds};
+  static constexpr NvConversion kConversion{.neutralOut = 128,
+                                            .means = NvConversion::Means::kHalfAdds};
   VI16 r128, g128, b128;
   Curve shade;
 

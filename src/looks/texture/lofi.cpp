@@ -34,9 +34,8 @@ HWY_INLINE V8 OverlayBlend(V8 c, const TextureFactors& f) {
   const V8 turned = hn::VecFromMask(d8, hn::Gt(c, hn::Set(d8, kThreshold)));
   const EvenOdd channel = split(c), a = split(hn::Xor(c, turned));
   const VI16 threshold = hn::Set(di16, kThreshold);
-  const EvenOdd factor{
-      hn::IfThenElse(hn::Gt(channel.even, threshold), f.light.even, f.dark.even),
-      hn::IfThenElse(hn::Gt(channel.odd, threshold), f.light.odd, f.dark.odd)};
+  const EvenOdd factor{hn::IfThenElse(hn::Gt(channel.even, threshold), f.light.even, f.dark.even),
+                       hn::IfThenElse(hn::Gt(channel.odd, threshold), f.light.odd, f.dark.odd)};
   return hn::Xor(turned, joinShifted<8>(mul(a, factor)));
 }
 
@@ -54,8 +53,8 @@ struct LofiStep : TextureStep {
   explicit LofiStep(const LookJob& job)
       : curve(halfRampedCurve(job, kCurves, 0)),
         weight(hn::Set(di16, static_cast<std::int16_t>(job.ratio - kPlainRatio))),
-        offset(hn::Set(di16, static_cast<std::int16_t>(
-                                 kNeutral * (kStrongestRatio - job.ratio) + kSecondPassOffset))) {}
+        offset(hn::Set(di16, static_cast<std::int16_t>(kNeutral * (kStrongestRatio - job.ratio) +
+                                                       kSecondPassOffset))) {}
 
   // Toward neutral: at most (16 * 255 + 2000) >> 5.
   HWY_INLINE VI16 faded(VI16 t) const {

@@ -68,9 +68,9 @@ void expectEqual(const Case& c, const TestPicture& original, const Bytes& textur
   const std::uint8_t* const blockOrNull = c.stored ? block.data() : nullptr;
   const Bytes pixels = original.snapshot();
   const Picture view = original.view();
-  TestPicture picture(view.format, view.widthPixels, view.heightRows,
-                      static_cast<int>(view.strideBytes) -
-                          view.widthPixels * (view.isRgba() ? 4 : 1));
+  TestPicture picture(
+      view.format, view.widthPixels, view.heightRows,
+      static_cast<int>(view.strideBytes) - view.widthPixels * (view.isRgba() ? 4 : 1));
   picture.assign(pixels);
   runReference(*c.look, picture.view(), texture.data(), {blockOrNull, c.ratio});
   const Bytes expected = picture.snapshot();
@@ -79,8 +79,8 @@ void expectEqual(const Case& c, const TestPicture& original, const Bytes& textur
   for (const int level : supportedLevels()) {
     const ForcedLevel forced(level);
     picture.assign(pixels);
-    ASSERT_EQ(runLook(c.look->look(), picture.view(),
-                      {guardedTexture.data(), blockOrNull, c.ratio}, threads),
+    ASSERT_EQ(runLook(c.look->look(), picture.view(), {guardedTexture.data(), blockOrNull, c.ratio},
+                      threads),
               Status::kOk);
     EXPECT_TRUE(picture.equals(expected))
         << c << " on " << vectorLevelName(level) << ": " << picture.difference(expected);
@@ -174,9 +174,9 @@ void expectWorked(const Worked& c, const std::uint8_t* block) {
   const std::uint8_t texel[3] = {byte(c.texel.r), byte(c.texel.g), byte(c.texel.b)};
   Bytes texture(90u * 88 * texelBytes);
   for (std::size_t i = 0; i < texture.size(); ++i) texture[i] = texel[i % texelBytes];
-  ASSERT_EQ(runLook(c.look.look(), picture.view(), {texture.data(), block, c.ratio},
-                    Threads::kCaller),
-            Status::kOk);
+  ASSERT_EQ(
+      runLook(c.look.look(), picture.view(), {texture.data(), block, c.ratio}, Threads::kCaller),
+      Status::kOk);
   EXPECT_TRUE(picture.equals(expected.snapshot()))
       << c.look.name << " of " << c.in.r << " " << c.in.g << " " << c.in.b << " on " << c.texel.r
       << ": " << picture.difference(expected.snapshot());
@@ -206,7 +206,8 @@ TEST(TextureLooks, GiveTheWorkedValuesWithBuiltInCurves) {
   for (const Worked& c : cases) expectWorked(c, nullptr);
 }
 
-// The identity as stored curve leaves every value below 240 as the blend made it, and 255 gives 254.
+// The identity as stored curve leaves every value below 240 as the blend made it, and 255 gives
+// 254.
 TEST(TextureLooks, GiveTheWorkedValuesOfTheirBlends) {
   constexpr ToneCurve kIdentity = ToneCurve::of(
       {{0, 16, 32, 48, 64, 80, 96, 112, 128, 144, 160, 176, 192, 208, 224, 240, 255}});

@@ -172,15 +172,15 @@ int overlayBlend(int c, int t) {
 }
 
 PixelFunction lofi(const ReferenceTuning& tuning) {
-  return [curves = halfRampedCurves(kLofi(), tuning),
-          ratio = tuning.ratio](const ReferencePixel& p) {
-    const int t = *p.texel;
-    const int second = ((ratio - 16) * t + 124 * (32 - ratio) + 2000) >> 5;
-    return eachChannel(p.colour, [&](int c, int v) {
-      const int once = overlayBlend(curveLookup(curves[c], v), t);
-      return ratio > 16 ? overlayBlend(once, second & 255) : once;
-    });
-  };
+  return
+      [curves = halfRampedCurves(kLofi(), tuning), ratio = tuning.ratio](const ReferencePixel& p) {
+        const int t = *p.texel;
+        const int second = ((ratio - 16) * t + 124 * (32 - ratio) + 2000) >> 5;
+        return eachChannel(p.colour, [&](int c, int v) {
+          const int once = overlayBlend(curveLookup(curves[c], v), t);
+          return ratio > 16 ? overlayBlend(once, second & 255) : once;
+        });
+      };
 }
 
 // YUNDUAN
@@ -197,9 +197,8 @@ PixelFunction yunduan(const ReferenceTuning& tuning) {
   return [curves = rampedCurves(kYunduan(), tuning),
           tone = TextureTone(kYunduanStrongTexture, tuning.ratio)](const ReferencePixel& p) {
     const int t = tone(*p.texel);
-    return eachChannel(p.colour, [&](int c, int v) {
-      return curveLookup(curves[c], softLightTexture(v, t));
-    });
+    return eachChannel(
+        p.colour, [&](int c, int v) { return curveLookup(curves[c], softLightTexture(v, t)); });
   };
 }
 
@@ -232,16 +231,16 @@ int truncCurveLookup(const Knots& k, int x) {
 }
 
 int softOverlay(int a, int b) {
-  const int v = a <= 144 ? (a * b * 43 + 2048) >> 12
-                         : 255 - (((255 - a) * (173 - b) * 53 + 2048) >> 12);
+  const int v =
+      a <= 144 ? (a * b * 43 + 2048) >> 12 : 255 - (((255 - a) * (173 - b) * 53 + 2048) >> 12);
   return clampByte(v);
 }
 
 PixelFunction myfair(const ReferenceTuning& tuning) {
   const bool isStrong = tuning.ratio > 16;
   return [curves = halfRampedCurves(kMyfair(), tuning), isStrong,
-          textureCurve = rampCurve(kIdentity, kMyfairStrongTexture, tuning.ratio)](
-             const ReferencePixel& p) {
+          textureCurve =
+              rampCurve(kIdentity, kMyfairStrongTexture, tuning.ratio)](const ReferencePixel& p) {
     const int t = isStrong ? truncCurveLookup(textureCurve, *p.texel) : *p.texel;
     const int sum = p.colour.r + p.colour.g + p.colour.b;
     return eachChannel(p.colour, [&](int c, int v) {
@@ -258,8 +257,8 @@ constexpr ReferenceConversion kFrom128To128{128, 128};
 
 }  // namespace
 
-const TextureLook kLaodianyingLook{"LAODIANYING", lumora::kLaodianying, {127, 128, true},
-                                   laodianying};
+const TextureLook kLaodianyingLook{
+    "LAODIANYING", lumora::kLaodianying, {127, 128, true}, laodianying};
 const TextureLook kLianghongLook{"LIANGHONG", lumora::kLianghong, {}, lianghong};
 const TextureLook kYunduanLook{"YUNDUAN", lumora::kYunduan, kTo128, yunduan};
 const TextureLook kEarlybirdLook{"EARLYBIRD", lumora::kEarlybird, kTo128, earlybird};
