@@ -21,6 +21,7 @@ struct GallerySettings {
   std::vector<const Mode*> looks;
   std::vector<int> strengths;
   int columns = 0;
+  int quality = kDefaultQuality;
   bool singleThread = false;
 };
 
@@ -123,6 +124,8 @@ CommandLine commandLine(GallerySettings& gallery, ResourceSettings& resources) {
           }},
          {"columns", 'c', "N", "pictures in a row; default 5, or one per strength",
           [&](const std::string& v) { gallery.columns = parseInteger(v, 1, 50); }},
+         {"quality", 0, "1..100", "of jpg, webp, avif and heic; default 92",
+          [&](const std::string& v) { gallery.quality = parseInteger(v, 1, 100); }},
          {"single-thread", 0, nullptr, "filter without starting threads",
           raise(gallery.singleThread)}}},
        resourceOptions(resources)},
@@ -157,7 +160,7 @@ int galleryCommand(int argc, char** argv) {
         std::max(64, kCellWidth * static_cast<int>(size.height) / static_cast<int>(size.width));
     writeImage(contactSheet(drawCells(gallery, resources, rgba, size), gallery.columns, kCellWidth,
                             cellHeight),
-               operands->at(1), kDefaultQuality);
+               operands->at(1), gallery.quality);
   } catch (const PictureError& error) {
     throw PictureError(text(operands->at(0), ": ", error.what()));
   }
