@@ -45,7 +45,9 @@ function(lumora_library name)
       add_library(${name}_${level} OBJECT ${arg_LEVEL_SOURCES})
       target_link_libraries(${name}_${level} PRIVATE ${name})
       target_include_directories(${name}_${level} SYSTEM PRIVATE ${LUMORA_HIGHWAY_INCLUDE})
-      target_compile_definitions(${name}_${level} PRIVATE HWY_COMPILE_ONLY_STATIC)
+      # Highway's own checks, which sanitizers switch on, are in its shared library.
+      target_compile_definitions(${name}_${level} PRIVATE HWY_COMPILE_ONLY_STATIC
+                                                          HWY_IS_DEBUG_BUILD=0)
       # These sources say themselves what is a vector; left to it, the compiler packs the walks'
       # pointers into vectors and back.
       target_compile_options(${name}_${level} PRIVATE ${LUMORA_LEVEL_FLAGS_${level}}
