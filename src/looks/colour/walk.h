@@ -172,10 +172,15 @@ void walkBytes(const LookJob& job, const Step step) {
   }
 }
 
-// Grey pictures: every chroma byte becomes 127.
+// Grey pictures: every chroma byte becomes 127. Packed rows are filled in one go, at which the C
+// library is faster than at many short fills.
 HWY_INLINE void neutraliseChroma(const LookJob& job) {
-  for (int m = 0; m < job.rows / 2; ++m) {
-    memset(job.chroma + m * job.strideBytes, 127, static_cast<size_t>(job.widthPixels));
+  const bool isPacked = job.strideBytes == job.widthPixels;
+  const int fills = isPacked ? 1 : job.rows / 2;
+  const int rowsPerFill = isPacked ? job.rows / 2 : 1;
+  for (int m = 0; m < fills; ++m) {
+    memset(job.chroma + m * job.strideBytes, 127,
+           static_cast<size_t>(job.widthPixels) * static_cast<size_t>(rowsPerFill));
   }
 }
 
