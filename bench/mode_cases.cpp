@@ -67,7 +67,8 @@ const std::vector<ModeWork>& modeWorks() {
   static const std::vector<ModeWork> works = {
       {"HEIBAI", LUMORA_MODE_HEIBAI, false},
       {"MORAN", LUMORA_MODE_MORAN, false},
-      {"RIXI", LUMORA_MODE_RIXI, false},
+      // One look at more strengths, to show what they cost.
+      {"RIXI", LUMORA_MODE_RIXI, false, nullptr, false, {0, 4, 8, 12, 15, 16, 24, 32}},
       {"FUGU", LUMORA_MODE_FUGU, false},
       {"VALENCIA", LUMORA_MODE_VALENCIA, false},
       {"NUANYANGYANG", LUMORA_MODE_NUANYANGYANG, false},
@@ -112,7 +113,7 @@ struct ModeCase {
     if (!isTargetSize(size) || textures == Textures::kPerCall) return false;
     const bool isTarget = strength == work.targetStrength;
     if (format.code == LUMORA_FORMAT_NV21) return isTarget && threads == 1;
-    return isTarget || (threads == 1 && !isAlbumMode(work.mode));
+    return isTarget || (threads == 1 && !isAlbumMode(work.mode) && strength % 8 == 0);
   }
 };
 

@@ -9,7 +9,7 @@ import pathlib
 import sys
 
 import charts
-from results import Results, Verdict, thread_rows
+from results import Results, Verdict, expand, thread_rows
 
 HERE = pathlib.Path(__file__).resolve().parent
 LOOKS = ["HEIBAI", "MORAN", "RIXI", "FUGU", "VALENCIA", "NUANYANGYANG", "TIANMEIKEREN", "YUNDUAN",
@@ -20,6 +20,7 @@ EFFECTS = [("MOSAIC", 16), ("COLOURFIX", 16), ("COLOURFIX-MASK", 16), ("BLUR", 1
 MODES = [(look, 16) for look in LOOKS] + EFFECTS
 FORMATS = ["rgba", "nv21", "nv12"]
 SIZES = ["1280x720", "1920x1080", "4000x3000"]
+STRENGTHS = [0, 4, 8, 12, 15, 16, 24, 32]
 LIBRARIES = ["libyuv", "opencv", "vips", "avfilter"]
 
 
@@ -28,6 +29,7 @@ def case(mode, form, size="4000x3000", strength=16, threads=1, textures="prepare
 
 
 def number(value, digits=2):
+    """As text, empty for a figure that this run did not measure."""
     return "" if value is None else f"{value:.{digits}f}"
 
 
@@ -122,9 +124,10 @@ def peers_table(results):
 def write_charts(results, targets, directory):
     marks = {}
     for target in targets:
-        for name in Verdict(results, target).work.replace(" RGBA", "").split(", "):
-            if target["work"].endswith("RGBA"):
-                marks[name] = target["limit"]
+        for name in expand(target["cases"]) if "measure" not in target else []:
+            mode, form = name.split("/")[:2]
+            if form == "rgba":
+                marks[mode] = target["limit"]
     rows = [(mode_name(mode, strength),
              [results.get(case(mode, form, strength=strength)) for form in ("rgba", "nv12")],
              marks.get(mode)) for mode, strength in MODES]
@@ -140,12 +143,11 @@ def write_charts(results, targets, directory):
     if all(any(v is not None for v in values) for _, values in per_pixel):
         (directory / "sizes.svg").write_text(charts.lines(
             "Nanoseconds a pixel, RGBA, one thread", "picture size", SIZES, per_pixel))
-    strengths = [8, 16, 32]
-    by_strength = [(mode, [results.get(case(mode, "rgba", strength=s)) for s in strengths])
-                   for mode in shown]
-    if all(any(v is not None for v in values) for _, values in by_strength):
-        (directory / "strengths.svg").write_text(charts.lines(
-            "Times of the limit, RGBA, one thread", "strength", strengths, by_strength))
+    by_strength = [(str(strength), [results.get(case("RIXI", "rgba", strength=strength))], None)
+                   for strength in STRENGTHS]
+    (directory / "strengths.svg").write_text(charts.bars(
+        "RIXI by strength, times of the limit, RGBA, one thread", ["RIXI"],
+        [row for row in by_strength if row[1][0] is not None]))
 
 
 def document(results, targets, rule):
