@@ -94,9 +94,7 @@ struct BlockMeans {
 HWY_INLINE BlockMeans meansOfColours(const Rgb& top, const Rgb& bottom) {
   const VI16 r = blockMean(top.r, bottom.r), g = blockMean(top.g, bottom.g);
   const VI16 b = blockMean(top.b, bottom.b);
-  const VI16 redGreen = hn::Mul(hn::Add(r, hn::Add(g, g)), hn::Set(di16, 19));
-  const VI16 blue = hn::Mul(b, hn::Set(di16, 7));
-  return {r, b, shiftRightRounding<6>(hn::Add(redGreen, blue))};
+  return {r, b, GrayFromRGB(r, g, b)};
 }
 
 HWY_INLINE BlockMeans meansByHalfAdds(const Rgb& top, const Rgb& bottom, V8 topLuma,

@@ -68,6 +68,12 @@ HWY_INLINE V8 GrayFromRGB(const Rgb& c) {
   return packClamped(hn::ShiftRight<6>(low), hn::ShiftRight<6>(high));
 }
 
+// The same of lanes of 0..255.
+HWY_INLINE VI16 GrayFromRGB(VI16 r, VI16 g, VI16 b) {
+  return shiftRightRounding<6>(
+      hn::Add(weightedPairs<19, 38>(join(r, g)), weightedPairs<7, 0>(hn::BitCast(d8, b))));
+}
+
 // (a * first + b * second + 2^(kBits - 1)) >> kBits, which must be a byte.
 template <int kBits>
 HWY_INLINE V8 weightedMean(V8 a, V8 b, V8 weights) {
@@ -108,13 +114,13 @@ HWY_INLINE EvenOdd products(const Factors& f, V8 signedBytes) {
   return mul(f, factors(signedBytes));
 }
 
-HWY_INLINE VI16 greyOf(VI16 r, VI16 g, VI16 b) {
+HWY_INLINE VI16 GrayFromRGB(VI16 r, VI16 g, VI16 b) {
   const VI16 redGreen = hn::Mul(hn::Add(r, hn::Add(g, g)), hn::Set(di16, 19));
   return shiftRightRounding<6>(hn::Add(redGreen, hn::Mul(b, hn::Set(di16, 7))));
 }
 HWY_INLINE V8 GrayFromRGB(const Rgb& c) {
   const EvenOdd r = split(c.r), g = split(c.g), b = split(c.b);
-  return join(greyOf(r.even, g.even, b.even), greyOf(r.odd, g.odd, b.odd));
+  return join(GrayFromRGB(r.even, g.even, b.even), GrayFromRGB(r.odd, g.odd, b.odd));
 }
 
 template <int kBits>
