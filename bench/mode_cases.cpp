@@ -11,12 +11,15 @@ namespace {
 
 enum class Textures { kPrepared, kPerCall };
 
+// Whether a handle without a size costs the mode more.
+enum class Needs { kPicture, kTextureToo };
+
 using FillSettings = void (*)(FilterAlbumParam& param, Size size);
 
 struct ModeWork {
   const char* name;
   std::uint32_t mode;
-  bool samplesPerCall;          // a handle without a size costs it more
+  Needs needs;
   FillSettings fill = nullptr;  // settings beyond mode and strength
   bool isRgbaOnly = false;
   std::vector<int> strengths = {8, 16, 32};
@@ -65,29 +68,35 @@ void fillTiltShift(FilterAlbumParam& param, Size size) {
 
 const std::vector<ModeWork>& modeWorks() {
   static const std::vector<ModeWork> works = {
-      {"HEIBAI", LUMORA_MODE_HEIBAI, false},
-      {"MORAN", LUMORA_MODE_MORAN, false},
+      {"HEIBAI", LUMORA_MODE_HEIBAI, Needs::kPicture},
+      {"MORAN", LUMORA_MODE_MORAN, Needs::kPicture},
       // One look at more strengths, to show what they cost.
-      {"RIXI", LUMORA_MODE_RIXI, false, nullptr, false, {0, 4, 8, 12, 15, 16, 24, 32}},
-      {"FUGU", LUMORA_MODE_FUGU, false},
-      {"VALENCIA", LUMORA_MODE_VALENCIA, false},
-      {"NUANYANGYANG", LUMORA_MODE_NUANYANGYANG, false},
-      {"TIANMEIKEREN", LUMORA_MODE_TIANMEIKEREN, false},
-      {"YUNDUAN", LUMORA_MODE_YUNDUAN, true},
-      {"LIANGHONG", LUMORA_MODE_LIANGHONG, true},
-      {"LOFI", LUMORA_MODE_LOFI, true},
-      {"EARLYBIRD", LUMORA_MODE_EARLYBIRD, true},
-      {"XPRO2", LUMORA_MODE_XPRO2, true},
-      {"HUDSON", LUMORA_MODE_HUDSON, true},
-      {"MYFAIR", LUMORA_MODE_MYFAIR, true},
-      {"LAODIANYING", LUMORA_MODE_LAODIANYING, true},
-      {"MEISHIMENGHUAN", LUMORA_MODE_MEISHIMENGHUAN, true},
-      {"MOSAIC", LUMORA_MODE_MOSAIC, false, fillMosaic, false, {8, 16}},
-      {"COLOURFIX", LUMORA_MODE_COLOUR_FIX, false, fillColourFix, true, {16}},
-      {"COLOURFIX-MASK", LUMORA_MODE_COLOUR_FIX, false, fillColourFixMask, true, {16}},
+      {"RIXI", LUMORA_MODE_RIXI, Needs::kPicture, nullptr, false, {0, 4, 8, 12, 15, 16, 24, 32}},
+      {"FUGU", LUMORA_MODE_FUGU, Needs::kPicture},
+      {"VALENCIA", LUMORA_MODE_VALENCIA, Needs::kPicture},
+      {"NUANYANGYANG", LUMORA_MODE_NUANYANGYANG, Needs::kPicture},
+      {"TIANMEIKEREN", LUMORA_MODE_TIANMEIKEREN, Needs::kPicture},
+      {"YUNDUAN", LUMORA_MODE_YUNDUAN, Needs::kTextureToo},
+      {"LIANGHONG", LUMORA_MODE_LIANGHONG, Needs::kTextureToo},
+      {"LOFI", LUMORA_MODE_LOFI, Needs::kTextureToo},
+      {"EARLYBIRD", LUMORA_MODE_EARLYBIRD, Needs::kTextureToo},
+      {"XPRO2", LUMORA_MODE_XPRO2, Needs::kTextureToo},
+      {"HUDSON", LUMORA_MODE_HUDSON, Needs::kTextureToo},
+      {"MYFAIR", LUMORA_MODE_MYFAIR, Needs::kTextureToo},
+      {"LAODIANYING", LUMORA_MODE_LAODIANYING, Needs::kTextureToo},
+      {"MEISHIMENGHUAN", LUMORA_MODE_MEISHIMENGHUAN, Needs::kTextureToo},
+      {"MOSAIC", LUMORA_MODE_MOSAIC, Needs::kPicture, fillMosaic, false, {8, 16}},
+      {"COLOURFIX", LUMORA_MODE_COLOUR_FIX, Needs::kPicture, fillColourFix, true, {16}},
+      {"COLOURFIX-MASK", LUMORA_MODE_COLOUR_FIX, Needs::kPicture, fillColourFixMask, true, {16}},
       // The strength of these is their level.
-      {"BLUR", LUMORA_MODE_BLUR, false, fillBlur, false, {1, 3, 16, 32}, 3},
-      {"TILTSHIFT", LUMORA_MODE_TILT_SHIFT, false, fillTiltShift, false, {1, 3, 16, 32}, 3},
+      {"BLUR", LUMORA_MODE_BLUR, Needs::kPicture, fillBlur, false, {1, 3, 16, 32}, 3},
+      {"TILTSHIFT",
+       LUMORA_MODE_TILT_SHIFT,
+       Needs::kPicture,
+       fillTiltShift,
+       false,
+       {1, 3, 16, 32},
+       3},
   };
   return works;
 }
@@ -150,7 +159,7 @@ void addModeCasesOf(const ModeWork& work, Format format, Size size) {
   for (const int strength : work.strengths) {
     for (const int threads : {1, 4}) {
       addModeCase({work, format, size, strength, threads, Textures::kPrepared});
-      if (work.samplesPerCall) {
+      if (work.needs == Needs::kTextureToo) {
         addModeCase({work, format, size, strength, threads, Textures::kPerCall});
       }
     }
