@@ -1,52 +1,29 @@
 #include "effects/colour_fix_kernel.h"
 
 #include "effects/hue_distance.h"
-#include "effects/rgba_blocks.h"
 #include "looks/colour/walk.h"
 
 namespace lumora::HWY_NAMESPACE {
 namespace {
 
-struct Halves {
-  EvenOdd r;
-  EvenOdd g;
-  EvenOdd b;
-
-  HWY_INLINE explicit Halves(const Rgb& c) : r(split(c.r)), g(split(c.g)), b(split(c.b)) {}
-};
-
 // (19 R + 38 G + 7 B) >> 6: unlike that of the looks this grey is not rounded.
-class TruncatedGrey {
- public:
-  HWY_INLINE TruncatedGrey() : nineteen_(opaqueFactor(19)), seven_(opaqueFactor(7)) {}
-
-  HWY_INLINE EvenOdd operator()(const Halves& c) const {
-    return {half(c.r.even, c.g.even, c.b.even), half(c.r.odd, c.g.odd, c.b.odd)};
-  }
-
- private:
-  // The sum is at most 16320; 38 is twice 19.
-  HWY_INLINE VI16 half(VI16 r, VI16 g, VI16 b) const {
-    const VI16 redGreen = hn::Mul(hn::Add(r, hn::Add(g, g)), nineteen_);
-    return hn::ShiftRight<6>(hn::Add(redGreen, hn::Mul(b, seven_)));
-  }
-
-  VI16 nineteen_;
-  VI16 seven_;
-};
-
-// (c (8192 - k) + grey k) >> 13 = c + ((8 (grey - c) k) >> 16), for k = 0..8192.
-HWY_INLINE VI16 fade(VI16 c, VI16 grey, VI16 k) {
-  return hn::Add(c, hn::MulHigh(hn::ShiftLeft<3>(hn::Sub(grey, c)), k));
+HWY_INLINE EvenOdd truncatedGrey(const Rgb& c) {
+  const EvenOdd sum =
+      add(add(weightedHalves<19>(c.r), weightedHalves<38>(c.g)), weightedHalves<7>(c.b));
+  return {hn::ShiftRight<6>(sum.even), hn::ShiftRight<6>(sum.odd)};
 }
 
-HWY_INLINE V8 fade(const EvenOdd& c, const EvenOdd& grey, const EvenOdd& k) {
-  return join(fade(c.even, grey.even, k.even), fade(c.odd, grey.odd, k.odd));
+// (c (8192 - k) + grey k) >> 13 = c + ((8 (grey - c) k) >> 16), for k = 0..8192.
+HWY_INLINE V8 fade(V8 c, const EvenOdd& grey8, const EvenOdd& k) {
+  const EvenOdd c8 = weightedHalves<8>(c);
+  const VI16 even = hn::MulHigh(hn::Sub(grey8.even, c8.even), k.even);
+  const VI16 odd = hn::MulHigh(hn::Sub(grey8.odd, c8.odd), k.odd);
+  return hn::Add(c, joinLowBytes({even, odd}));
 }
 
 // A vector of pixels between the two halves of its work.
 struct Started {
-  RgbaBlocks pixels;
+  Rgba pixels;
   HueDistance::Terms terms;
   V8 mask;
 };
@@ -61,15 +38,16 @@ class Fader {
         lastInBand_(hn::Set(di16, rule.tolerance > 0 ? rule.tolerance - 1 : 0)),
         step_(hn::Set(di16, static_cast<std::int16_t>(rule.step))) {}
 
-  HWY_INLINE Started start(const RgbaBlocks& pixels, const std::uint8_t* mask) const {
-    return {pixels, distance_.terms(pixels.colour), kMasked ? loadSamples(mask) : hn::Zero(d8)};
+  HWY_INLINE Started start(const Rgba& pixels, const std::uint8_t* mask) const {
+    return {pixels, distance_.terms(pixels.colour), kMasked ? loadInRgbaOrder(mask) : hn::Zero(d8)};
   }
 
   HWY_INLINE Rgb finish(const Started& pixels) const {
     const EvenOdd k = greyWeights(pixels);
-    const Halves c(pixels.pixels.colour);
-    const EvenOdd grey = grey_(c);
-    return {fade(c.r, grey, k), fade(c.g, grey, k), fade(c.b, grey, k)};
+    const Rgb& c = pixels.pixels.colour;
+    const EvenOdd grey = truncatedGrey(c);
+    const EvenOdd grey8{hn::ShiftLeft<3>(grey.even), hn::ShiftLeft<3>(grey.odd)};
+    return {fade(c.r, grey8, k), fade(c.g, grey8, k), fade(c.b, grey8, k)};
   }
 
  private:
@@ -92,7 +70,6 @@ class Fader {
   }
 
   HueDistance distance_;
-  TruncatedGrey grey_;
   VU16 tolerance_;
   VI16 lastInBand_;
   VI16 step_;
@@ -106,23 +83,23 @@ HWY_INLINE void fixRow(std::uint8_t* row, int pixels, const std::uint8_t* maskRo
   const Fader<kMasked> fader(rule);
   int x = 0;
   if (pixels >= kLanes8) {
-    Started started = fader.start(loadBlocks(row), maskRow);
+    Started started = fader.start(loadRgba(row), maskRow);
     for (; x + 2 * kLanes8 <= pixels; x += kLanes8) {
-      const RgbaBlocks next = loadBlocks(row + 4 * (x + kLanes8));
+      const Rgba next = loadRgba(row + 4 * (x + kLanes8));
       const Rgb out = fader.finish(started);
       const V8 alpha = started.pixels.alpha;
       started = fader.start(next, maskRow + (x + kLanes8));
-      storeBlocks(out, alpha, row + 4 * x);
+      storeRgba({out, alpha}, row + 4 * x);
     }
-    storeBlocks(fader.finish(started), started.pixels.alpha, row + 4 * x);
+    storeRgba({fader.finish(started), started.pixels.alpha}, row + 4 * x);
     x += kLanes8;
   }
   if (x < pixels) {
     TailBlock<kLanes8, 4> tail;
     TailBlock<kLanes8, kMasked ? 1 : 0> maskTail;
     std::uint8_t* const at = tail.load(row + 4 * x, pixels - x);
-    const Started last = fader.start(loadBlocks(at), maskTail.load(maskRow + x, pixels - x));
-    storeBlocks(fader.finish(last), last.pixels.alpha, at);
+    const Started last = fader.start(loadRgba(at), maskTail.load(maskRow + x, pixels - x));
+    storeRgba({fader.finish(last), last.pixels.alpha}, at);
     tail.store(row + 4 * x);
   }
 }
@@ -136,14 +113,13 @@ void fix(std::uint8_t* row, int pixels, const std::uint8_t* maskRow, const FadeR
 }
 
 void grey(std::uint8_t* row, int pixels) {
-  const TruncatedGrey greyOf;
   TailBlock<kLanes8, 4> tail;
   for (int x = 0; x < pixels; x += kLanes8) {
     const int left = pixels - x;
     std::uint8_t* const at = left < kLanes8 ? tail.load(row + 4 * x, left) : row + 4 * x;
-    const RgbaBlocks p = loadBlocks(at);
-    const V8 value = join(greyOf(Halves(p.colour)));
-    storeBlocks({value, value, value}, p.alpha, at);
+    const Rgba p = loadRgba(at);
+    const V8 value = join(truncatedGrey(p.colour));
+    storeRgba({{value, value, value}, p.alpha}, at);
     if (left < kLanes8) tail.store(row + 4 * x);
   }
 }

@@ -51,6 +51,11 @@ HWY_INLINE V8 join(VI16 even, VI16 odd) {
 }
 HWY_INLINE V8 join(EvenOdd halves) { return join(halves.even, halves.odd); }
 
+// Joins the low bytes of lanes.
+HWY_INLINE V8 joinLowBytes(EvenOdd halves) {
+  return hn::OddEven(hn::BitCast(d8, hn::ShiftLeft<8>(halves.odd)), hn::BitCast(d8, halves.even));
+}
+
 // Joins the low bytes of lanes >> kBits.
 template <int kBits>
 HWY_INLINE V8 joinShifted(EvenOdd halves) {

@@ -41,24 +41,27 @@ HWY_INLINE CoarseToneCurve ramped(const CoarseToneCurve& plain, const CoarseTone
   return curve;
 }
 
-// The four 8-entry tables of a channel, in one 16-byte table for the base (knots, then steps) and
-// one for the lift (knots, then half steps). Half steps are signed: lifts rise and fall.
+// The tables of a channel, by the high nibble of the input: every knot and step stands twice. The
+// lift's half steps are signed: lifts rise and fall.
 struct ChannelTables {
-  V8 base;
-  V8 lift;
+  V8 baseKnots, baseSteps;
+  V8 liftKnots, liftHalfSteps;
 
   HWY_INLINE ChannelTables(int channel, int ratio) {
     const CoarseToneCurve b = ramped(kPlain[channel].base, kStrong[channel].base, ratio);
     const CoarseToneCurve l = ramped(kPlain[channel].lift, kStrong[channel].lift, ratio);
-    HWY_ALIGN std::uint8_t baseTable[16], liftTable[16];
-    for (int j = 0; j < 8; ++j) {
-      baseTable[j] = b.at[j];
-      baseTable[8 + j] = static_cast<std::uint8_t>(b.at[j + 1] - b.at[j]);
-      liftTable[j] = l.at[j];
-      liftTable[8 + j] = static_cast<std::uint8_t>((l.at[j + 1] - l.at[j]) >> 1);
+    HWY_ALIGN std::uint8_t table[4][16];
+    for (int j = 0; j < 16; ++j) {
+      const int knot = j / 2;
+      table[0][j] = b.at[knot];
+      table[1][j] = static_cast<std::uint8_t>(b.at[knot + 1] - b.at[knot]);
+      table[2][j] = l.at[knot];
+      table[3][j] = static_cast<std::uint8_t>((l.at[knot + 1] - l.at[knot]) >> 1);
     }
-    base = hn::LoadDup128(d8, baseTable);
-    lift = hn::LoadDup128(d8, liftTable);
+    baseKnots = hn::LoadDup128(d8, table[0]);
+    baseSteps = hn::LoadDup128(d8, table[1]);
+    liftKnots = hn::LoadDup128(d8, table[2]);
+    liftHalfSteps = hn::LoadDup128(d8, table[3]);
   }
 };
 
@@ -66,17 +69,15 @@ struct ChannelTables {
 // ((lift * t + 128) >> 8) of lift = (16 knot + halfStep * f + 8) >> 4. With these curves what is
 // added to the base's knot is at most 239, and the lift lies within 1..211.
 HWY_INLINE V8 coarseLookup(const ChannelTables& tables, V8 m, const EvenOdd& texture128) {
-  const VU16 high = hn::ShiftRight<5>(hn::BitCast(du16, m));
-  const V8 index = hn::And(hn::BitCast(d8, high), hn::Set(d8, 7));
-  const V8 stepIndex = hn::Or(index, hn::Set(d8, 8));
+  const V8 index = highNibble(m);
   const Factors f = factors(hn::And(m, hn::Set(d8, 31)));
 
-  const EvenOdd step = products(hn::TableLookupBytes(tables.base, stepIndex), f);
-  const EvenOdd halfStep = products(f, hn::TableLookupBytes(tables.lift, stepIndex));
+  const EvenOdd step = products(hn::TableLookupBytes(tables.baseSteps, index), f);
+  const EvenOdd halfStep = products(f, hn::TableLookupBytes(tables.liftHalfSteps, index));
   const EvenOdd lift =
-      add(split(hn::TableLookupBytes(tables.lift, index)), shiftRightRounding<4>(halfStep));
+      add(split(hn::TableLookupBytes(tables.liftKnots, index)), shiftRightRounding<4>(halfStep));
   const EvenOdd added = add(shiftRightRounding<5>(step), mulFixedPoint15(lift, texture128));
-  return hn::SaturatedAdd(hn::TableLookupBytes(tables.base, index), join(added));
+  return hn::SaturatedAdd(hn::TableLookupBytes(tables.baseKnots, index), join(added));
 }
 
 // A quarter of the way toward grey, by two half-adds that round up.

@@ -32,10 +32,9 @@ HWY_INLINE V8 SoftLightTexture(V8 c, const EvenOdd& texture8) {
   const EvenOdd lift =
       mulFixedPoint15(texture8, {hn::Sub(room64, c64.even), hn::Sub(room64, c64.odd)});
   const EvenOdd added = mulFixedPoint15(lift, add(c64, c64));
-  const V8 joined =
-      hn::OddEven(hn::BitCast(d8, hn::ShiftLeft<8>(added.odd)), hn::BitCast(d8, added.even));
   const V8 sign = hn::Set(d8, 128);
-  const auto sum = hn::SaturatedAdd(hn::BitCast(di8, hn::Xor(c, sign)), hn::BitCast(di8, joined));
+  const auto sum =
+      hn::SaturatedAdd(hn::BitCast(di8, hn::Xor(c, sign)), hn::BitCast(di8, joinLowBytes(added)));
   return hn::Xor(hn::BitCast(d8, sum), sign);
 }
 
