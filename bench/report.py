@@ -1,12 +1,14 @@
 #!/usr/bin/env python3
 """Writes docs/performance.md and its charts from the benchmark's JSON output.
 
-    bench/report.py RESULTS.json [DOCS_DIRECTORY]
+    bench/report.py RESULTS.json [--widest RESULTS.json] [--docs DIRECTORY]
+
+--widest: results of another run, with the widest vectors that the processor has.
 """
 
+import argparse
 import json
 import pathlib
-import sys
 
 import charts
 from results import Results, Verdict, expand, thread_rows
@@ -43,18 +45,19 @@ def mode_name(mode, strength):
     return f"{mode} level {strength}" if mode in ("BLUR", "TILTSHIFT") else mode
 
 
-def targets_table(results, targets):
+def targets_table(results, targets, widest):
     rows = []
     for target in targets:
         verdict = Verdict(results, target)
+        wide = Verdict(widest, target).value if widest else None
         met = {True: "met", False: "**missed**", None: "not complete"}[verdict.met]
         peers = "; ".join(
             f"{speed:.1f} x {name} (target {factor:g}){'' if speed >= factor else ' **missed**'}"
             for name, speed, factor in verdict.peers)
         worst = "" if verdict.case is None else "`" + verdict.case + "`"
-        rows.append([verdict.work, number(verdict.limit, 2), number(verdict.value), met, peers,
-                     worst])
-    head = ["Work", "Target", "Measured", "", "As fast as the peer", "Worst case"]
+        rows.append([verdict.work, number(verdict.limit, 2), number(verdict.value), met,
+                     number(wide), peers, worst])
+    head = ["Work", "Target", "Measured", "", "Widest", "As fast as the peer", "Worst case"]
     return table(head, rows)
 
 
@@ -150,15 +153,17 @@ def write_charts(results, targets, directory):
         [row for row in by_strength if row[1][0] is not None]))
 
 
-def document(results, targets, rule):
+def document(results, targets, rule, widest):
     context = results.context
+    wide_level = widest.context["vector_level"] if widest else "not measured"
     sections = {
         "MACHINE": f"{context.get('processor', 'unknown processor')}, {context['num_cpus']} cores, "
                    f"vector level {context['vector_level']}, {context.get('compiler', '')}; "
                    f"{context['date'][:10]}. The limit ran at {context['limit_GB/s']} GB/s on 48 MB "
                    f"(an in-place addition at {context['in_place_add_GB/s']} GB/s), times by "
                    f"{context['clock']} clock.",
-        "TARGETS": targets_table(results, targets),
+        "WIDEST": wide_level,
+        "TARGETS": targets_table(results, targets, widest),
         "MODES": modes_table(results),
         "SIZES": columns_table(results, SIZES, [{"size": size} for size in SIZES]),
         "STRENGTHS": columns_table(results, ["8", "16", "32"],
@@ -180,17 +185,20 @@ def document(results, targets, rule):
 
 
 def main():
-    if len(sys.argv) not in (2, 3):
-        sys.exit(__doc__)
-    results = Results(sys.argv[1])
-    docs = pathlib.Path(sys.argv[2] if len(sys.argv) == 3 else HERE.parent / "docs")
+    parser = argparse.ArgumentParser(usage=__doc__)
+    parser.add_argument("results")
+    parser.add_argument("--widest")
+    parser.add_argument("--docs", type=pathlib.Path, default=HERE.parent / "docs")
+    arguments = parser.parse_args()
+    results = Results(arguments.results)
+    widest = Results(arguments.widest) if arguments.widest else None
     with open(HERE / "targets.json", encoding="utf-8") as file:
         wanted = json.load(file)
-    images = docs / "performance"
+    images = arguments.docs / "performance"
     images.mkdir(parents=True, exist_ok=True)
     write_charts(results, wanted["targets"], images)
-    text = document(results, wanted["targets"], wanted["threads"])
-    (docs / "performance.md").write_text(text, encoding="utf-8")
+    text = document(results, wanted["targets"], wanted["threads"], widest)
+    (arguments.docs / "performance.md").write_text(text, encoding="utf-8")
     for name, why in sorted(results.refused.items())[:5]:
         print(f"refused: {name}: {why}")
     if len(results.refused) > 5:
