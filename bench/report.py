@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
 """Writes docs/performance.md and its charts from the benchmark's JSON output.
 
-    bench/report.py RESULTS.json [--widest RESULTS.json] [--docs DIRECTORY]
+    bench/report.py RESULTS.json [--widest RESULTS.json] [--instructions COUNTS.json]
+                    [--docs DIRECTORY]
 
 --widest: results of another run, with the widest vectors that the processor has.
+--instructions: what bench/instructions.py has counted.
 """
 
 import argparse
@@ -73,6 +75,19 @@ def modes_table(results):
         rows.append(row)
     head = ["Mode"] + [f"{form} {unit}" for form in FORMATS for unit in ("ms", "x limit")]
     return table(head + ["rgba Mpx/s"], rows)
+
+
+def instructions_table(results, counts):
+    rows = []
+    for mode, strength in MODES:
+        row = [mode_name(mode, strength)]
+        for form in ("rgba", "nv12"):
+            a_pixel = counts.get(mode, {}).get(form) if strength != 1 else None
+            ms = results.get(case(mode, form, strength=strength), "ms")
+            rate = None if None in (a_pixel, ms) else a_pixel * 12e6 / (ms * 1e6)
+            row += [number(a_pixel), number(rate, 1)]
+        rows.append(row)
+    return table(["Mode", "rgba a pixel", "a nanosecond", "nv12 a pixel", "a nanosecond"], rows)
 
 
 def columns_table(results, head, columns, form="rgba", modes=MODES, column="ms"):
@@ -153,7 +168,7 @@ def write_charts(results, targets, directory):
         [row for row in by_strength if row[1][0] is not None]))
 
 
-def document(results, targets, rule, widest):
+def document(results, targets, rule, widest, counts):
     context = results.context
     wide_level = widest.context["vector_level"] if widest else "not measured"
     sections = {
@@ -165,6 +180,7 @@ def document(results, targets, rule, widest):
         "WIDEST": wide_level,
         "TARGETS": targets_table(results, targets, widest),
         "MODES": modes_table(results),
+        "INSTRUCTIONS": instructions_table(results, counts),
         "SIZES": columns_table(results, SIZES, [{"size": size} for size in SIZES]),
         "STRENGTHS": columns_table(results, ["8", "16", "32"],
                                    [{"strength": s} for s in (8, 16, 32)], column="x_limit",
@@ -188,16 +204,19 @@ def main():
     parser = argparse.ArgumentParser(usage=__doc__)
     parser.add_argument("results")
     parser.add_argument("--widest")
+    parser.add_argument("--instructions", type=pathlib.Path)
     parser.add_argument("--docs", type=pathlib.Path, default=HERE.parent / "docs")
     arguments = parser.parse_args()
     results = Results(arguments.results)
     widest = Results(arguments.widest) if arguments.widest else None
+    counts = json.loads(arguments.instructions.read_text()) if arguments.instructions else {}
     with open(HERE / "targets.json", encoding="utf-8") as file:
         wanted = json.load(file)
     images = arguments.docs / "performance"
     images.mkdir(parents=True, exist_ok=True)
     write_charts(results, wanted["targets"], images)
-    text = document(results, wanted["targets"], wanted["threads"], widest)
+    text = document(results, wanted["targets"], wanted["threads"], widest,
+                    counts)
     (arguments.docs / "performance.md").write_text(text, encoding="utf-8")
     for name, why in sorted(results.refused.items())[:5]:
         print(f"refused: {name}: {why}")
