@@ -1,12 +1,16 @@
 // lumora apply: photographs in, photographs out.
+#include <algorithm>
+#include <deque>
 #include <filesystem>
-#include <iostream>
-#include <map>
 #include <optional>
+#include <thread>
 
+#include "apply_plan.h"
+#include "batch.h"
 #include "commands.h"
 #include "errors.h"
 #include "filter.h"
+#include "image_library.h"
 #include "library_log.h"
 #include "output.h"
 #include "photograph.h"
@@ -19,18 +23,16 @@ namespace fs = std::filesystem;
 struct ApplySettings {
   LookSettings look;
   ResourceSettings resources;
-  std::string outputFolder;
-  std::string suffix;  // put behind the file's own name
-  std::string format;  // suffix of the file format; empty: as the output or input is named
+  PlanSettings plan;
+  int jobs = 1;
   int quality = kDefaultQuality;
   bool verbose = false;
 };
 
-struct Job {
-  std::string input;
-  std::string output;
-  std::string format;
-};
+int parseJobs(const std::string& value) {
+  const int jobs = value == "auto" ? 0 : parseInteger(value, 0, 256);
+  return jobs > 0 ? jobs : std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+}
 
 std::string parseFormat(const std::string& value) {
   const std::string suffix = text(value.starts_with('.') ? "" : ".", lowerCase(value));
@@ -43,80 +45,57 @@ CommandLine commandLine(ApplySettings& s) {
       "lumora apply --look NAME [options] IN OUT\n"
       "lumora apply --look NAME [options] --out-dir DIR IN...",
       "Gives photographs a look. The result keeps the colour profile, EXIF (with a new\n"
-      "thumbnail), XMP and transparency, and is upright. '-' is standard input or output. A\n"
-      "picture that fails is reported and left out; an output file appears complete or not at\n"
-      "all.\n",
+      "thumbnail), XMP and transparency, and is upright, with eight bits a channel. '-' is\n"
+      "standard input or output. A picture that fails is reported and left out; an output file\n"
+      "appears complete or not at all, also when Ctrl-C ends the run. On a terminal a bar shows\n"
+      "how far several pictures are.\n",
       {lookOptions(s.look),
        modeOptions(s.look),
        {"Output",
-        {{"out-dir", 'd', "DIR", "write every picture into this folder, under its own name",
-          keep(s.outputFolder)},
-         {"suffix", 0, "TEXT", "with --out-dir: put TEXT behind the names (photo_TEXT.jpg: _TEXT)",
-          keep(s.suffix)},
-         {"to", 0, "FORMAT", "jpg, png, webp, tif, avif or heic; default: as the name says",
-          [&s](const std::string& v) { s.format = parseFormat(v); }},
+        {{"to", 0, "FORMAT", "jpg, png, webp, tif, avif or heic; default: as the name says",
+          [&s](const std::string& v) { s.plan.format = parseFormat(v); }},
          {"quality", 'q', "1..100", "of jpg, webp, avif and heic; default 92",
           [&s](const std::string& v) { s.quality = parseInteger(v, 1, 100); }},
+         {"skip-existing", 0, nullptr, "leave pictures out whose output exists",
+          raise(s.plan.skipExisting)},
          {"verbose", 'v', nullptr, "show what is done and the library's log", raise(s.verbose)}}},
+       {"Several pictures",
+        {{"out-dir", 'd', "DIR", "write every picture into this folder, under its own name",
+          keep(s.plan.outputFolder)},
+         {"suffix", 0, "TEXT", "put TEXT behind the names (photo_TEXT.jpg: _TEXT)",
+          keep(s.plan.suffix)},
+         {"recursive", 'r', nullptr,
+          "take folders too: the pictures in them and in the folders\n"
+          "below, which come to lie in the same folders below DIR",
+          raise(s.plan.recursive)},
+         {"jobs", 'j', "N",
+          "work on N pictures at a time, each in one thread; 'auto' for\n"
+          "as many as there are processors; default 1",
+          [&s](const std::string& v) { s.jobs = parseJobs(v); }}}},
        resourceOptions(s.resources)},
       "  lumora apply --look heibai photo.jpg grey.jpg\n"
       "  lumora apply --look lofi --strength 8 --out-dir done --suffix _lofi *.jpg\n"
+      "  lumora apply --look rixi --recursive --jobs auto --skip-existing --out-dir done photos\n"
       "  lumora apply --look mosaic --rect 400,200,160,160 --block 16 photo.jpg hidden.jpg\n"
-      "  lumora apply --look colour-fix --pick 320,240 photo.png red.png\n"};
+      "  lumora apply --look colour-fix --pick 320,240 photo.png red.png\n"
+      "  curl https://example.org/photo.jpg | lumora apply --look fugu --to png - - > photo.png\n"};
 }
 
-// The format that a file name asks for; empty when it names none that can be written.
-std::string formatFor(const ApplySettings& settings, const std::string& name) {
-  if (!settings.format.empty()) return settings.format;
-  const std::string suffix = lowerCase(fs::path(name).extension().string());
-  return isWritableSuffix(suffix) ? suffix : std::string();
-}
-
-Job jobForPair(const ApplySettings& settings, const std::string& input, const std::string& output) {
-  std::error_code missing;
-  if (fs::is_directory(output, missing)) {
-    throw UsageError(text(output, ": is a folder; use --out-dir ", output, " to write into it"));
-  }
-  const std::string format = formatFor(settings, output);
-  if (format.empty()) {
-    throw UsageError(text(output, ": its name does not say in which format to write (",
-                          writableSuffixes(), "); choose one with --to"));
-  }
-  return {input, output, format};
-}
-
-Job jobInFolder(const ApplySettings& settings, const std::string& input) {
-  if (input == "-") throw UsageError("standard input has no name to keep; use IN OUT");
-  const fs::path name(input);
-  const std::string extension =
-      settings.format.empty() ? name.extension().string() : settings.format;
-  const std::string file = name.stem().string() + settings.suffix + extension;
-  return {input, (fs::path(settings.outputFolder) / file).string(), formatFor(settings, input)};
-}
-
-std::vector<Job> planJobs(const ApplySettings& settings, const std::vector<std::string>& operands) {
-  if (settings.outputFolder.empty()) {
-    if (operands.size() != 2) {
-      throw UsageError(operands.size() < 2 ? "an input and an output picture are needed"
-                                           : "several pictures need --out-dir DIR to go to");
-    }
-    if (!settings.suffix.empty()) throw UsageError("--suffix needs --out-dir DIR");
-    return {jobForPair(settings, operands[0], operands[1])};
-  }
-  if (operands.empty()) throw UsageError("no picture is named");
-  std::vector<Job> jobs;
-  for (const std::string& input : operands) jobs.push_back(jobInFolder(settings, input));
-  return jobs;
+void makeFolder(const std::string& folder) {
+  std::error_code error;
+  fs::create_directories(folder, error);
+  if (error) throw PictureError(text(folder, ": cannot be made a folder: ", error.message()));
 }
 
 std::vector<std::uint8_t> filteredFile(const ApplySettings& settings, Filter& filter,
-                                       const Job& job) {
-  Photograph photograph = Photograph::read(job.input);
-  if (job.format.empty()) {
+                                       const PlannedPicture& picture) {
+  if (!picture.refusal.empty()) throw PictureError(picture.refusal);
+  Photograph photograph = Photograph::read(picture.input);
+  if (picture.format.empty()) {
     throw PictureError("cannot be written in the format of its name; choose one with --to");
   }
   filter.apply(settings.look, photograph.image());
-  return photograph.encode(job.format, settings.quality);
+  return photograph.encode(picture.format, settings.quality);
 }
 
 // Runs a step with the input's name in front of its errors.
@@ -132,62 +111,45 @@ auto naming(const std::string& input, Step step) {
   }
 }
 
-// Does the jobs one after the other and reports those that fail.
-class Batch {
- public:
-  Batch(const ApplySettings& settings, int standardOutput)
-      : settings_(settings),
-        standardOutput_(standardOutput),
-        filter_(settings.resources, settings.look) {}
+void process(const ApplySettings& settings, Filter& filter, int standardOutput,
+             const PlannedPicture& picture) {
+  const std::vector<std::uint8_t> file =
+      naming(picture.input, [&] { return filteredFile(settings, filter, picture); });
+  if (settings.plan.recursive) makeFolder(fs::path(picture.output).parent_path().string());
+  std::optional<Output> output;
+  picture.output == "-" ? output.emplace(standardOutput) : output.emplace(picture.output);
+  output->write(file.data(), file.size());
+  output->commit();
+}
 
-  int run(const std::vector<Job>& jobs) {
-    int failed = 0;
-    for (const Job& job : jobs) {
+int runPlan(const ApplySettings& settings, int standardOutput, const Plan& plan) {
+  const auto& pictures = plan.pictures;
+  std::deque<Filter> filters;
+  std::vector<Worker> workers;
+  const auto count = std::clamp<std::size_t>(pictures.size(), 1, std::size_t(settings.jobs));
+  while (workers.size() < count) {
+    Filter& filter = filters.emplace_back(settings.resources, settings.look);
+    workers.emplace_back([&, standardOutput](std::size_t job) -> Outcome {
+      const PlannedPicture& picture = pictures[job];
       try {
-        process(job);
+        process(settings, filter, standardOutput, picture);
       } catch (const PictureError& error) {
-        std::cerr << "lumora: " << error.what() << '\n';
-        ++failed;
+        return {true, text("lumora: ", error.what(), '\n')};
       }
-    }
-    if (failed > 0 && jobs.size() > 1) {
-      std::cerr << "lumora: " << failed << " of " << jobs.size() << " pictures failed\n";
-    }
-    return failed == 0 ? kExitDone : kExitPictureFailed;
+      if (!settings.verbose) return {};
+      return {false, text("lumora: ", picture.input, " -> ", picture.output, '\n')};
+    });
   }
 
- private:
-  void process(const Job& job) {
-    if (!settings_.outputFolder.empty()) naming(job.input, [&] { requireOwnOutput(job); });
-    const std::vector<std::uint8_t> file =
-        naming(job.input, [&] { return filteredFile(settings_, filter_, job); });
-    std::optional<Output> output;
-    job.output == "-" ? output.emplace(standardOutput_) : output.emplace(job.output);
-    output->write(file.data(), file.size());
-    output->commit();
-    if (settings_.verbose) std::cerr << "lumora: " << job.input << " -> " << job.output << '\n';
+  Progress progress(pictures.size(), pictures.size() > 1 && !settings.verbose);
+  const std::size_t failed = runBatch(pictures.size(), workers, progress);
+  if (settings.verbose && plan.skipped > 0) {
+    progress.print(text("lumora: ", plan.skipped, " left out, their output exists\n"));
   }
-
-  // In a folder the outputs' names are made up, so nothing may get lost by them.
-  void requireOwnOutput(const Job& job) {
-    std::error_code missing;
-    if (fs::equivalent(job.input, job.output, missing)) {
-      throw PictureError("would be overwritten; use --suffix or another folder");
-    }
-    const auto [first, isNew] = inputOf_.emplace(job.output, job.input);
-    if (!isNew) throw PictureError(text(job.output, " is already made from ", first->second));
+  if (failed > 0 && pictures.size() > 1) {
+    progress.print(text("lumora: ", failed, " of ", pictures.size(), " pictures failed\n"));
   }
-
-  const ApplySettings& settings_;
-  const int standardOutput_;
-  Filter filter_;
-  std::map<std::string, std::string> inputOf_;  // by output
-};
-
-void makeOutputFolder(const std::string& folder) {
-  std::error_code error;
-  fs::create_directories(folder, error);
-  if (error) throw PictureError(text(folder, ": cannot be made a folder: ", error.message()));
+  return failed == 0 ? kExitDone : kExitPictureFailed;
 }
 
 }  // namespace
@@ -197,15 +159,16 @@ int applyCommand(int argc, char** argv) {
   const auto operands = readCommandLine(commandLine(settings), argc, argv);
   if (!operands) return kExitDone;
   checkLookSettings(settings.look);
-  const std::vector<Job> jobs = planJobs(settings, *operands);
+  // Several pictures at a time keep the processors busy by themselves.
+  if (settings.jobs > 1) settings.look.singleThread = true;
+  const Plan plan = planPictures(settings.plan, *operands);
 
   if (settings.verbose) showLibraryLog();
   const int standardOutput = takeStandardOutput(settings.verbose);
-  startImageLibrary(argv[0], settings.verbose);
+  startImageLibrary(argv[0], settings.verbose, settings.jobs);
   loadMask(settings.look);
-  Batch batch(settings, standardOutput);
-  if (!settings.outputFolder.empty()) makeOutputFolder(settings.outputFolder);
-  return batch.run(jobs);
+  if (!settings.plan.outputFolder.empty()) makeFolder(settings.plan.outputFolder);
+  return runPlan(settings, standardOutput, plan);
 }
 
 }  // namespace lumora::tool

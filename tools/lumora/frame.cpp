@@ -11,6 +11,7 @@
 #include "commands.h"
 #include "errors.h"
 #include "filter.h"
+#include "image_library.h"
 #include "library_log.h"
 #include "output.h"
 #include "photograph.h"

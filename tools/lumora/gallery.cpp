@@ -6,6 +6,7 @@
 #include "contact_sheet.h"
 #include "errors.h"
 #include "filter.h"
+#include "image_library.h"
 #include "output.h"
 #include "photograph.h"
 

@@ -3,7 +3,6 @@
 #include <atomic>
 #include <cstdarg>
 #include <cstdio>
-#include <mutex>
 #include <string_view>
 #include <utility>
 
@@ -15,8 +14,8 @@ namespace {
 constexpr int kErrorPriority = 6;
 
 std::atomic<bool> shown{false};
-std::mutex mutex;
-std::vector<std::string> errors;
+// The library logs errors in the thread that calls it.
+thread_local std::vector<std::string> errors;
 
 // One plain line: without the library's own tag and line breaks, and with the full-width and
 // ideographic punctuation of GB2312 (lead bytes A3 and A1) as ASCII.
@@ -42,10 +41,7 @@ std::string plainLine(std::string_view message) {
 
 void showLibraryLog() { shown = true; }
 
-std::vector<std::string> takeLibraryErrors() {
-  const std::lock_guard lock(mutex);
-  return std::exchange(errors, {});
-}
+std::vector<std::string> takeLibraryErrors() { return std::exchange(errors, {}); }
 
 }  // namespace lumora::tool
 
@@ -61,9 +57,6 @@ extern "C" LUMORA_FILTERS_API int __android_log_print(int priority, const char* 
 
   const std::string line = plainLine(message);
   if (shown) std::fprintf(stderr, "%s: %s\n", tag, line.c_str());
-  if (priority >= kErrorPriority) {
-    const std::lock_guard lock(mutex);
-    errors.push_back(line);
-  }
+  if (priority >= kErrorPriority) errors.push_back(line);
   return 1;
 }

@@ -10,7 +10,7 @@ namespace lumora::tool {
 // Prints every line to standard error from now on.
 void showLibraryLog();
 
-// The error lines since the last call.
+// The error lines of this thread's calls since the last time.
 std::vector<std::string> takeLibraryErrors();
 
 }  // namespace lumora::tool

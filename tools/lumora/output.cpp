@@ -24,6 +24,9 @@ mode_t newFileMode() {
   return 0666 & ~mask;
 }
 
+// The mask can only be read by changing it for a moment: before there is a second thread.
+const mode_t kNewFileMode = newFileMode();
+
 std::string followLinks(const std::string& path) {
   char resolved[PATH_MAX];
   return ::realpath(path.c_str(), resolved) ? resolved : path;
@@ -55,7 +58,7 @@ Output::Output(const std::string& path) : name_(path), finalPath_(followLinks(pa
   }
   if (exists && ::access(finalPath_.c_str(), W_OK) != 0) fail("cannot be written", errno);
   createBeside();
-  ::fchmod(descriptor_, exists ? status.st_mode & 07777 : newFileMode());
+  ::fchmod(descriptor_, exists ? status.st_mode & 07777 : kNewFileMode);
 }
 
 Output::Output(int standardOutput) : name_("standard output"), descriptor_(standardOutput) {}

@@ -11,6 +11,7 @@
 #include "commands.h"
 #include "contact_sheet.h"
 #include "errors.h"
+#include "image_library.h"
 #include "options.h"
 #include "output.h"
 #include "photograph.h"

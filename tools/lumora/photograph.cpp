@@ -11,6 +11,7 @@
 
 #include "errors.h"
 #include "filter.h"
+#include "image_library.h"
 
 namespace lumora::tool {
 namespace {
@@ -18,6 +19,7 @@ namespace {
 using vips::VImage;
 
 constexpr const char* kThumbnailField = "jpeg-thumbnail-data";
+constexpr const char* kUnreadable = "cannot be read, it seems damaged";
 
 struct Format {
   const char* suffix;
@@ -43,24 +45,6 @@ const Format* findFormat(const std::string& suffix) {
     return lowerCase(suffix) == format.suffix;
   });
   return found == kFormats.end() ? nullptr : &*found;
-}
-
-// The first line of libvips's complaints; the others repeat it from further out.
-std::string vipsReason() {
-  const std::string_view all = vips_error_buffer();
-  std::string line(all.substr(0, all.find('\n')));
-  vips_error_clear();
-  return line;
-}
-
-void requireReadableFile(const std::string& path) {
-  struct stat status;
-  if (::stat(path.c_str(), &status) != 0) {
-    throw PictureError(errno == ENOENT ? "there is no such file" : std::strerror(errno));
-  }
-  if (S_ISDIR(status.st_mode)) throw PictureError("is a folder, not a picture");
-  if (::access(path.c_str(), R_OK) != 0) throw PictureError(std::strerror(errno));
-  if (S_ISREG(status.st_mode) && status.st_size == 0) throw PictureError("is empty");
 }
 
 VImage openSource(int descriptor, vips::VOption* options) {
@@ -158,31 +142,22 @@ Mask readMask(const std::string& path) {
 
 }  // namespace
 
-void startImageLibrary(const char* program, bool verbose) {
-  if (vips_init(program) != 0) throw PictureError("libvips does not start: " + vipsReason());
-  // Every picture is used once; the cache would only hold on to it.
-  vips_cache_set_max(0);
-  if (verbose) return;
-  const auto silence = [](const char*, GLogLevelFlags, const char*, void*) {};
-  g_log_set_handler("VIPS", static_cast<GLogLevelFlags>(G_LOG_LEVEL_WARNING | G_LOG_LEVEL_INFO),
-                    silence, nullptr);
+void requireReadableFile(const std::string& path) {
+  struct stat status;
+  if (::stat(path.c_str(), &status) != 0) {
+    throw PictureError(errno == ENOENT ? "there is no such file" : std::strerror(errno));
+  }
+  if (S_ISDIR(status.st_mode)) throw PictureError("is a folder, not a picture");
+  if (::access(path.c_str(), R_OK) != 0) throw PictureError(std::strerror(errno));
+  if (S_ISREG(status.st_mode) && status.st_size == 0) throw PictureError("is empty");
 }
 
 VImage readImage(const std::string& path) {
-  try {
-    return toRgb(turnUpright(open(path)));
-  } catch (const vips::VError&) {
-    throw PictureError("cannot be read, it seems damaged: " + vipsReason());
-  }
+  return explaining(kUnreadable, [&] { return toRgb(turnUpright(open(path))); });
 }
 
 Photograph Photograph::read(const std::string& path) {
-  const VImage image = readImage(path);
-  try {
-    return Photograph(image);
-  } catch (const vips::VError&) {
-    throw PictureError("cannot be read, it seems damaged: " + vipsReason());
-  }
+  return explaining(kUnreadable, [&] { return Photograph(toRgb(turnUpright(open(path)))); });
 }
 
 Photograph Photograph::fromPixels(const std::vector<std::uint8_t>& pixels, Size size) {
@@ -229,7 +204,7 @@ std::vector<std::uint8_t> Photograph::encode(const std::string& suffix, int qual
   const Format* format = findFormat(suffix);
   std::string options = format->options;
   if (format->hasQuality) options += text(options.empty() ? "" : ",", "Q=", quality);
-  try {
+  return explaining(text("cannot be written as ", format->suffix), [&] {
     VImage image = withMetadata();
     if (image.has_alpha() && !format->hasAlpha) {
       image = image.flatten(VImage::option()->set("background", 255));
@@ -238,19 +213,14 @@ std::vector<std::uint8_t> Photograph::encode(const std::string& suffix, int qual
     std::size_t bytes = 0;
     image.write_to_buffer(text(format->suffix, '[', options, ']').c_str(), &encoded, &bytes);
     const VipsBytes owner(static_cast<std::uint8_t*>(encoded));
-    return {owner.get(), owner.get() + bytes};
-  } catch (const vips::VError&) {
-    throw PictureError(text("cannot be written as ", format->suffix, ": ", vipsReason()));
-  }
+    return std::vector<std::uint8_t>(owner.get(), owner.get() + bytes);
+  });
 }
 
 void loadMask(LookSettings& settings) {
   if (settings.maskFile.empty()) return;
   try {
-    settings.mask = readMask(settings.maskFile);
-  } catch (const vips::VError&) {
-    throw PictureError(
-        text(settings.maskFile, ": cannot be read, it seems damaged: ", vipsReason()));
+    settings.mask = explaining(kUnreadable, [&] { return readMask(settings.maskFile); });
   } catch (const PictureError& error) {
     throw PictureError(text(settings.maskFile, ": ", error.what()));
   }
@@ -263,5 +233,12 @@ std::string writableSuffixes() {
 }
 
 bool isWritableSuffix(const std::string& suffix) { return findFormat(suffix) != nullptr; }
+
+bool isPictureSuffix(const std::string& suffix) {
+  constexpr std::string_view kReadOnly[] = {".jpe", ".jfif", ".gif", ".heif", ".jxl",
+                                            ".jp2", ".bmp",  ".ppm", ".pgm",  ".pnm"};
+  return isWritableSuffix(suffix) || std::find(std::begin(kReadOnly), std::end(kReadOnly),
+                                               lowerCase(suffix)) != std::end(kReadOnly);
+}
 
 }  // namespace lumora::tool

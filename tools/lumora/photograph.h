@@ -15,9 +15,6 @@ namespace lumora::tool {
 
 inline constexpr int kDefaultQuality = 92;
 
-// Starts libvips. Its warnings are shown only when verbose.
-void startImageLibrary(const char* program, bool verbose);
-
 // Bytes that libvips has allocated.
 struct VipsFree {
   void operator()(std::uint8_t* bytes) const { g_free(bytes); }
@@ -51,6 +48,9 @@ class Photograph {
   VipsBytes pixels_;
 };
 
+// Throws a PictureError without the file's name in it.
+void requireReadableFile(const std::string& path);
+
 // A picture of any size, upright, eight bits, sRGB with or without alpha. Throws a PictureError
 // without the file's name in it.
 vips::VImage readImage(const std::string& path);
@@ -62,5 +62,7 @@ void loadMask(LookSettings& settings);
 // The suffixes that encode() knows, for messages: ".jpg, .png, ..."
 std::string writableSuffixes();
 bool isWritableSuffix(const std::string& suffix);
+// Whether files named so tend to be pictures: which ones to take from a folder.
+bool isPictureSuffix(const std::string& suffix);
 
 }  // namespace lumora::tool

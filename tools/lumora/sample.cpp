@@ -4,6 +4,7 @@
 #include "commands.h"
 #include "errors.h"
 #include "filter.h"
+#include "image_library.h"
 #include "options.h"
 #include "output.h"
 #include "photograph.h"

@@ -1,0 +1,34 @@
+// What a run of `lumora apply` is to do: which picture becomes which file. It is settled before
+// the first picture is touched, so that it does not depend on the order in which they get ready.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace lumora::tool {
+
+struct PlanSettings {
+  std::string outputFolder;  // empty: the operands are one input and one output
+  std::string suffix;        // put behind the file's own name
+  std::string format;        // suffix of the file format; empty: as the output or input is named
+  bool recursive = false;    // take the pictures in folders
+  bool skipExisting = false;
+};
+
+struct PlannedPicture {
+  std::string input;
+  std::string output;
+  std::string format;   // empty: the name asks for none that can be written
+  std::string refusal;  // why nothing can be done; empty when it can
+};
+
+struct Plan {
+  std::vector<PlannedPicture> pictures;
+  std::size_t skipped = 0;
+};
+
+// Throws a UsageError when the operands do not fit the settings.
+Plan planPictures(const PlanSettings& settings, const std::vector<std::string>& operands);
+
+}  // namespace lumora::tool
