@@ -5,6 +5,7 @@
 namespace lumora::tool {
 
 int applyCommand(int argc, char** argv);
+int benchCommand(int argc, char** argv);
 int frameCommand(int argc, char** argv);
 int galleryCommand(int argc, char** argv);
 int looksCommand(int argc, char** argv);

@@ -2,7 +2,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <iostream>
@@ -11,6 +10,7 @@
 #include "commands.h"
 #include "errors.h"
 #include "filter.h"
+#include "frame_format.h"
 #include "image_library.h"
 #include "library_log.h"
 #include "output.h"
@@ -18,19 +18,6 @@
 
 namespace lumora::tool {
 namespace {
-
-struct FrameFormat {
-  const char* name;
-  std::uint32_t format;
-  unsigned bytesPerPixel;  // of the first plane
-  bool hasChromaPlane;     // half as large again
-};
-
-constexpr std::array kFormats = {
-    FrameFormat{"nv21", LUMORA_FORMAT_NV21, 1, true},
-    FrameFormat{"nv12", LUMORA_FORMAT_NV12, 1, true},
-    FrameFormat{"rgba", LUMORA_FORMAT_RGBA, 4, false},
-};
 
 struct FrameSettings {
   LookSettings look;
@@ -40,15 +27,6 @@ struct FrameSettings {
   int strideBytes = 0;  // 0: as the width needs
   bool verbose = false;
 };
-
-const FrameFormat& findFormat(const std::string& name) {
-  std::vector<std::string> names;
-  for (const FrameFormat& format : kFormats) {
-    if (lowerCase(name) == format.name) return format;
-    names.emplace_back(format.name);
-  }
-  throw UsageError(text("'", name, "' is not one of nv21, nv12, rgba", didYouMean(name, names)));
-}
 
 CommandLine commandLine(FrameSettings& s) {
   return {
@@ -61,7 +39,7 @@ CommandLine commandLine(FrameSettings& s) {
        modeOptions(s.look),
        {"Frames",
         {{"format", 'f', "nv21|nv12|rgba", "how the pixels are stored",
-          [&s](const std::string& v) { s.format = &findFormat(v); }},
+          [&s](const std::string& v) { s.format = &findFrameFormat(v); }},
          {"size", 0, "WxH", "pixels, 88 to 20000 on either side; even for nv21 and nv12",
           [&s](const std::string& v) { s.size = parseSize(v); }},
          {"stride", 0, "N", "bytes from row to row; default: width, for rgba 4 x width",

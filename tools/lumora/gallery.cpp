@@ -1,10 +1,10 @@
 // lumora gallery: one sheet of a picture under many looks.
 #include <algorithm>
-#include <sstream>
 
 #include "commands.h"
 #include "contact_sheet.h"
 #include "errors.h"
+#include "example_settings.h"
 #include "filter.h"
 #include "image_library.h"
 #include "output.h"
@@ -25,13 +25,6 @@ struct GallerySettings {
   int quality = kDefaultQuality;
   bool singleThread = false;
 };
-
-std::vector<std::string> splitAtCommas(const std::string& value) {
-  std::vector<std::string> parts;
-  std::istringstream stream(value);
-  for (std::string part; std::getline(stream, part, ',');) parts.push_back(part);
-  return parts;
-}
 
 VImage imageOf(const FilterImage& picture) {
   // Images are evaluated late: the caller's pixels may be gone by then.
@@ -55,33 +48,6 @@ std::vector<std::uint8_t> preparedPixels(Photograph& photograph, Size& size) {
   return {pixels.get(), pixels.get() + bytes};
 }
 
-// Colour fix keeps the most colourful pixel's colour, so that every picture shows what it does.
-Point mostColourfulPoint(const std::vector<std::uint8_t>& rgba, Size size) {
-  Point best;
-  int widest = -1;
-  for (unsigned y = 4; y + 4 < size.height; y += 3) {
-    for (unsigned x = 4; x + 4 < size.width; x += 3) {
-      const std::uint8_t* const p = &rgba[4 * (std::size_t{y} * size.width + x)];
-      const auto [low, high] = std::minmax({p[0], p[1], p[2]});
-      if (high - low > widest) {
-        widest = high - low;
-        best = {static_cast<int>(x), static_cast<int>(y)};
-      }
-    }
-  }
-  return best;
-}
-
-LookSettings settingsFor(const Mode& mode, int strength, bool singleThread,
-                         const std::vector<std::uint8_t>& rgba, Size size) {
-  LookSettings settings;
-  settings.mode = &mode;
-  settings.strength = strength;
-  settings.singleThread = singleThread;
-  if (mode.number == LUMORA_MODE_COLOUR_FIX) settings.pick = mostColourfulPoint(rgba, size);
-  return settings;
-}
-
 std::string labelOf(const Mode& mode, int strength) {
   const bool plain = strength == 16 || mode.strength == StrengthUse::kUnused;
   return plain ? text(mode.number, "  ", mode.name)
@@ -96,7 +62,8 @@ std::vector<SheetCell> drawCells(const GallerySettings& gallery, const ResourceS
       std::vector<std::uint8_t> pixels = rgba;
       const FilterImage picture{LUMORA_FORMAT_RGBA, pixels.data(), size.width, size.height,
                                 static_cast<std::int32_t>(4 * size.width)};
-      const LookSettings settings = settingsFor(*mode, strength, gallery.singleThread, rgba, size);
+      const LookSettings settings =
+          exampleSettings(*mode, strength, gallery.singleThread, rgba, size);
       Filter(resources, settings, size).apply(settings, picture);
       cells.push_back({labelOf(*mode, strength), imageOf(picture)});
     }

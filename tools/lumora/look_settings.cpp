@@ -12,8 +12,6 @@ namespace {
 constexpr int kLongestMosaicSide = 2000;
 constexpr int kShortestMosaicSide = 8;
 
-using Accept = std::function<void(const std::string&)>;
-
 int even(int value) { return value & ~1; }
 
 int parseStrength(const std::string& value) {
@@ -144,6 +142,61 @@ FixColorParam colourFor(const LookSettings& settings, const FilterImage& picture
   return record;
 }
 
+const char* nameOf(unsigned mode) { return modes()[mode - 1].name; }
+
+// An option of one mode, which no other mode takes.
+struct ModeOption {
+  unsigned mode;
+  Option option;
+};
+
+std::vector<ModeOption> modeOptionTable(LookSettings& s) {
+  return {
+      {LUMORA_MODE_LIANGHONG,
+       {"direction", 0, "0..3",
+        "how the camera was held, in quarter turns; the light\nleak turns with it; default 0",
+        [&s](const std::string& v) { s.direction = parseInteger(v, 0, 3); }}},
+      {LUMORA_MODE_MOSAIC,
+       {"rect", 0, "X,Y,W,H",
+        "the rectangle, even numbers, sides 8..2000;\n"
+        "default: the middle half of the picture",
+        [&s](const std::string& v) { s.rectangle = parseRectangle(v); }}},
+      {LUMORA_MODE_MOSAIC,
+       {"block", 0, "N",
+        "edge of one block, 8..2000; default: a twelfth of the\nrectangle's shorter side, at least "
+        "8",
+        [&s](const std::string& v) { s.block = parseInteger(v, 8, 2000); }}},
+      {LUMORA_MODE_COLOUR_FIX,
+       {"colour", 0, "'#rrggbb'", "the colour that stays",
+        [&s](const std::string& v) { s.colour = parseColour(v); }}},
+      {LUMORA_MODE_COLOUR_FIX,
+       {"pick", 0, "X,Y", "take the colour from this place of the picture",
+        [&s](const std::string& v) { s.pick = parsePoint(v); }}},
+      {LUMORA_MODE_COLOUR_FIX,
+       {"tolerance", 0, "0..255", "how far a hue may be off (of 255); default 20",
+        [&s](const std::string& v) { s.tolerance = parseInteger(v, 0, 255); }}},
+      {LUMORA_MODE_COLOUR_FIX,
+       {"mask", 0, "FILE", "picture that is not black where colour may stay", keep(s.maskFile)}},
+      {LUMORA_MODE_BLUR,
+       {"centre", 0, "X,Y", "the sharp circle's centre; default: the middle",
+        [&s](const std::string& v) { s.centre = parsePoint(v); }}},
+      {LUMORA_MODE_BLUR,
+       {"radius", 0, "INNER,OUTER",
+        "sharp up to INNER, fully blurred from OUTER on;\ndefault: a quarter and half of the "
+        "shorter side",
+        [&s](const std::string& v) { s.radius = parseRings(v); }}},
+      {LUMORA_MODE_TILT_SHIFT,
+       {"band", 0, "X1,Y1,X2,Y2",
+        "two points on the edges of the sharp band,\n"
+        "which stands at right angles on the line between them;\n"
+        "default: level, from 2/5 to 4/5 of the height",
+        [&s](const std::string& v) { s.band = parseBand(v); }}},
+      {LUMORA_MODE_TILT_SHIFT,
+       {"core", 0, "0..32", "entirely sharp share of the band, in 1/32;\ndefault 16",
+        [&s](const std::string& v) { s.core = parseInteger(v, 0, 32); }}},
+  };
+}
+
 }  // namespace
 
 OptionGroup lookOptions(LookSettings& s) {
@@ -156,46 +209,31 @@ OptionGroup lookOptions(LookSettings& s) {
         "stronger; for blur and tilt-shift the width of the blur,\n"
         "0 for none",
         [&s](const std::string& v) { s.strength = parseStrength(v); }},
-       {"direction", 0, "0..3",
-        "how the camera was held, in quarter turns; the light leak\n"
-        "of lianghong turns with it",
-        [&s](const std::string& v) { s.direction = parseInteger(v, 0, 3); }},
        {"single-thread", 0, nullptr, "filter without starting threads", raise(s.singleThread)}}};
 }
 
 OptionGroup modeOptions(LookSettings& s) {
-  const auto of = [&s](unsigned mode, const char* name, Accept accept) -> Accept {
-    return [&s, mode, name, accept](const std::string& value) {
+  OptionGroup group{"Settings of single looks (positions in pixels of the upright picture)", {}};
+  for (auto& [mode, option] : modeOptionTable(s)) {
+    option.help = text(nameOf(mode), ": ", option.help);
+    option.accept = [&s, mode, name = option.name, accept = option.accept](const std::string& v) {
       s.modeOptions.emplace_back(mode, name);
-      accept(value);
+      accept(v);
     };
-  };
-  return {
-      "Settings of single modes (positions in pixels of the upright picture)",
-      {{"rect", 0, "X,Y,W,H",
-        "mosaic: the rectangle, even numbers, sides 8..2000;\n"
-        "default: the middle half of the picture",
-        of(17, "rect", [&s](const std::string& v) { s.rectangle = parseRectangle(v); })},
-       {"block", 0, "N", "mosaic: edge of one block, 8..2000",
-        of(17, "block", [&s](const std::string& v) { s.block = parseInteger(v, 8, 2000); })},
-       {"colour", 0, "'#rrggbb'", "colour-fix: the colour that stays",
-        of(18, "colour", [&s](const std::string& v) { s.colour = parseColour(v); })},
-       {"pick", 0, "X,Y", "colour-fix: take the colour from this place of the picture",
-        of(18, "pick", [&s](const std::string& v) { s.pick = parsePoint(v); })},
-       {"tolerance", 0, "0..255", "colour-fix: how far a hue may be off (of 255); default 20",
-        of(18, "tolerance", [&s](const std::string& v) { s.tolerance = parseInteger(v, 0, 255); })},
-       {"mask", 0, "FILE", "colour-fix: picture that is not black where colour may stay",
-        of(18, "mask", keep(s.maskFile))},
-       {"centre", 0, "X,Y", "blur: the sharp circle's centre; default: the middle",
-        of(19, "centre", [&s](const std::string& v) { s.centre = parsePoint(v); })},
-       {"radius", 0, "INNER,OUTER", "blur: sharp up to INNER, fully blurred from OUTER on",
-        of(19, "radius", [&s](const std::string& v) { s.radius = parseRings(v); })},
-       {"band", 0, "X1,Y1,X2,Y2",
-        "tilt-shift: two points on the edges of the sharp band,\n"
-        "which stands at right angles on the line between them",
-        of(20, "band", [&s](const std::string& v) { s.band = parseBand(v); })},
-       {"core", 0, "0..32", "tilt-shift: entirely sharp share of the band, in 1/32; default 16",
-        of(20, "core", [&s](const std::string& v) { s.core = parseInteger(v, 0, 32); })}}};
+    group.options.push_back(std::move(option));
+  }
+  return group;
+}
+
+std::vector<Option> optionsOf(const Mode& mode) {
+  LookSettings unused;
+  std::vector<Option> options;
+  for (auto& [owner, option] : modeOptionTable(unused)) {
+    if (owner != mode.number) continue;
+    option.accept = nullptr;
+    options.push_back(std::move(option));
+  }
+  return options;
 }
 
 void checkLookSettings(const LookSettings& settings) {
@@ -204,8 +242,8 @@ void checkLookSettings(const LookSettings& settings) {
   }
   for (const auto& [mode, option] : settings.modeOptions) {
     if (mode != settings.mode->number) {
-      throw UsageError(text("--", option, " belongs to the look ", modes()[mode - 1].name, ", not ",
-                            settings.mode->name));
+      throw UsageError(
+          text("--", option, " belongs to the look ", nameOf(mode), ", not ", settings.mode->name));
     }
   }
   if (settings.mode->number == LUMORA_MODE_COLOUR_FIX &&

@@ -66,6 +66,8 @@ struct LookSettings {
 
 OptionGroup lookOptions(LookSettings& settings);
 OptionGroup modeOptions(LookSettings& settings);
+// The options that only this mode takes, to be listed.
+std::vector<Option> optionsOf(const Mode& mode);
 
 // What only the whole command line shows: a look is named, and every option belongs to it.
 void checkLookSettings(const LookSettings& settings);

@@ -1,9 +1,11 @@
 // lumora looks: the table of modes.
+#include <algorithm>
 #include <iomanip>
 #include <iostream>
 
 #include "commands.h"
 #include "errors.h"
+#include "look_settings.h"
 #include "modes.h"
 #include "options.h"
 
@@ -31,6 +33,23 @@ void printStrengths() {
   }
 }
 
+std::string optionForm(const Option& option) {
+  return option.argument ? text("--", option.name, ' ', option.argument) : text("--", option.name);
+}
+
+void printOptions() {
+  std::cout << "\nOptions of single looks ('lumora looks NAME' explains them):\n";
+  for (const Mode& mode : modes()) {
+    std::string forms;
+    for (const Option& option : optionsOf(mode)) {
+      forms += text(forms.empty() ? "" : "  ", optionForm(option));
+    }
+    if (!forms.empty()) {
+      std::cout << "  " << std::left << std::setw(13) << mode.name << forms << '\n';
+    }
+  }
+}
+
 void printTable() {
   printRow("Mode", "Name", "Kind", "What it does", "Texture");
   for (const Mode& mode : modes()) {
@@ -38,21 +57,47 @@ void printTable() {
              mode.texture ? mode.texture : "-");
   }
   printStrengths();
+  printOptions();
   std::cout << "\nEvery look takes rgba, nv21 and nv12 pictures; colour-fix takes rgba only.\n";
 }
 
-// The texts are the table's own and hold nothing that would need escaping.
-void printJson() {
-  const auto quoted = [](const char* value) {
-    return value ? text('"', value, '"') : std::string("null");
-  };
+void printMode(const Mode& mode) {
+  std::cout << mode.number << "  " << mode.name << ": " << mode.summary << "\n\n"
+            << "Kind:     " << mode.kind << "\nTexture:  " << (mode.texture ? mode.texture : "none")
+            << "\nStrength: " << describe(mode.strength)
+            << "\nFormats:  " << (mode.rgbaOnly ? "rgba" : "rgba, nv21, nv12") << '\n';
+  const std::vector<Option> options = optionsOf(mode);
+  std::cout << (options.empty() ? "Options:  none of its own\n" : "Options:\n");
+  for (const Option& option : options) printOption(std::cout, option);
+}
+
+// The texts are the tables' own; beside line breaks they hold nothing that would need escaping.
+std::string quoted(const char* value) {
+  if (value == nullptr) return "null";
+  std::string line = value;
+  std::replace(line.begin(), line.end(), '\n', ' ');
+  return text('"', line, '"');
+}
+
+std::string optionsAsJson(const Mode& mode) {
+  std::string list;
+  for (const Option& option : optionsOf(mode)) {
+    list += text(list.empty() ? "" : ", ", "{\"option\": \"--", option.name,
+                 "\", \"value\": ", quoted(option.argument),
+                 ", \"help\": ", quoted(option.help.c_str()), "}");
+  }
+  return text('[', list, ']');
+}
+
+void printJson(std::span<const Mode> listed) {
   const char* separator = "[\n";
-  for (const Mode& mode : modes()) {
+  for (const Mode& mode : listed) {
     std::cout << separator << "  {\"mode\": " << mode.number << ", \"name\": " << quoted(mode.name)
               << ", \"kind\": " << quoted(mode.kind) << ", \"summary\": " << quoted(mode.summary)
               << ", \"texture\": " << quoted(mode.texture)
               << ", \"strength\": " << quoted(describe(mode.strength)) << ", \"formats\": "
-              << (mode.rgbaOnly ? R"(["rgba"])" : R"(["rgba", "nv21", "nv12"])") << "}";
+              << (mode.rgbaOnly ? R"(["rgba"])" : R"(["rgba", "nv21", "nv12"])")
+              << ", \"options\": " << optionsAsJson(mode) << "}";
     separator = ",\n";
   }
   std::cout << "\n]\n";
@@ -63,15 +108,23 @@ void printJson() {
 int looksCommand(int argc, char** argv) {
   bool json = false;
   const auto operands = readCommandLine(
-      {"lumora looks [--json]",
-       "Lists the twenty modes: number, name, kind, what each does, what the strength means and\n"
-       "which texture it takes from the pack.\n",
+      {"lumora looks [--json] [NAME|MODE]",
+       "Lists the twenty modes: number, name, kind, what each does, what the strength means, "
+       "which\n"
+       "texture it takes from the pack and which options. With a name: all about that one.\n",
        {{"Options", {{"json", 0, nullptr, "the same as a JSON array", raise(json)}}}},
-       nullptr},
+       "  lumora looks\n"
+       "  lumora looks tilt-shift\n"
+       "  lumora looks --json | jq -r '.[] | select(.texture) | .name'\n"},
       argc, argv);
   if (!operands) return kExitDone;
-  if (!operands->empty()) throw UsageError("looks takes no operands");
-  json ? printJson() : printTable();
+  if (operands->size() > 1) throw UsageError("looks tells about one look at a time");
+  if (operands->empty()) {
+    json ? printJson(modes()) : printTable();
+  } else {
+    const Mode& mode = findMode(operands->front());
+    json ? printJson({&mode, 1}) : printMode(mode);
+  }
   return kExitDone;
 }
 

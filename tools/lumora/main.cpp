@@ -24,6 +24,7 @@ struct Command {
 
 constexpr std::array kCommands = {
     Command{"apply", "give photographs a look", applyCommand},
+    Command{"bench", "time every look on this machine", benchCommand},
     Command{"frame", "give raw camera frames a look, from a file or a pipe", frameCommand},
     Command{"gallery", "draw one sheet of a photograph under all looks", galleryCommand},
     Command{"looks", "list the looks and what they do", looksCommand},

@@ -69,20 +69,6 @@ void acceptValue(const Option& option, const char* value) {
   }
 }
 
-void printOption(std::ostream& out, const Option& option) {
-  std::string left = option.letter ? text("  -", option.letter, ", --") : "      --";
-  left += option.name;
-  if (option.argument) left += text(' ', option.argument);
-  if (left.size() + 2 > kHelpColumn) {
-    out << left << '\n';
-    left.clear();
-  }
-  std::istringstream lines(option.help);
-  for (std::string help; std::getline(lines, help); left.clear()) {
-    out << left << std::string(kHelpColumn - left.size(), ' ') << help << '\n';
-  }
-}
-
 void printHelp(std::ostream& out, const CommandLine& line) {
   std::istringstream forms(line.usage);
   const char* lead = "Usage: ";
@@ -97,6 +83,20 @@ void printHelp(std::ostream& out, const CommandLine& line) {
 }
 
 }  // namespace
+
+void printOption(std::ostream& out, const Option& option) {
+  std::string left = option.letter ? text("  -", option.letter, ", --") : "      --";
+  left += option.name;
+  if (option.argument) left += text(' ', option.argument);
+  if (left.size() + 2 > kHelpColumn) {
+    out << left << '\n';
+    left.clear();
+  }
+  std::istringstream lines(option.help);
+  for (std::string help; std::getline(lines, help); left.clear()) {
+    out << left << std::string(kHelpColumn - left.size(), ' ') << help << '\n';
+  }
+}
 
 std::optional<std::vector<std::string>> readCommandLine(const CommandLine& line, int argc,
                                                         char** argv) {

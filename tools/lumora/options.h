@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <iosfwd>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,7 +14,7 @@ struct Option {
   const char* name;      // long name, without "--"
   char letter;           // short name; 0 for none
   const char* argument;  // what the help calls the value; null for a switch
-  const char* help;      // line breaks continue in the help's own column
+  std::string help;      // line breaks continue in the help's own column
   // Takes the value (empty for a switch). A UsageError gets the option's name put in front.
   std::function<void(const std::string& value)> accept;
 };
@@ -34,6 +35,9 @@ struct CommandLine {
 // argv[0] is the command's name.
 std::optional<std::vector<std::string>> readCommandLine(const CommandLine& line, int argc,
                                                         char** argv);
+
+// The option's lines of a help text.
+void printOption(std::ostream& out, const Option& option);
 
 // An accept function that sets a flag.
 std::function<void(const std::string&)> raise(bool& flag);

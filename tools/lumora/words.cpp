@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cstdint>
 #include <numeric>
+#include <sstream>
 #include <utility>
 
 #include "errors.h"
@@ -58,6 +59,13 @@ std::vector<int> parseIntegers(const std::string& value, char separator, std::si
     rest.remove_prefix(end + 1);
   }
   throw UsageError(text("'", value, "' is not of the form ", form));
+}
+
+std::vector<std::string> splitAtCommas(const std::string& value) {
+  std::vector<std::string> parts;
+  std::istringstream stream(value);
+  for (std::string part; std::getline(stream, part, ',');) parts.push_back(part);
+  return parts;
 }
 
 int parseInteger(const std::string& value, int lowest, int highest) {

@@ -18,6 +18,8 @@ std::string lowerCase(std::string_view word);
 // Exactly `count` integers with the separator between them. Throws a UsageError that shows `form`.
 std::vector<int> parseIntegers(const std::string& value, char separator, std::size_t count,
                                const char* form);
+// "a,b" is two parts.
+std::vector<std::string> splitAtCommas(const std::string& value);
 // One integer in lowest..highest.
 int parseInteger(const std::string& value, int lowest, int highest);
 // "1280x720"
