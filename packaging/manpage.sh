@@ -5,6 +5,12 @@ set -euo pipefail
 lumora=$1
 
 literal() { sed -e 's/\\/\\e/g' -e "s/^[.']/\\\\\&&/" -e 's/-/\\-/g'; }
+commands() { awk '/^Commands:/{on=1;next} /^$/{on=0} on{print $1}'; }
+actions() { awk '/^  [a-z]+ +[a-z]/ && !/^  lumora/{print $1}'; }
+section() {
+  printf '.SS lumora %s\n' "$*"
+  "$lumora" "$@" --help | block
+}
 block() {
   echo .nf
   literal
@@ -23,9 +29,11 @@ lumora \- picture filters for photographs and camera frames
 HEAD
 "$lumora" --help | block
 echo .SH COMMANDS
-for command in $("$lumora" --help | awk '/^Commands:/{on=1;next} /^$/{on=0} on{print $1}'); do
-  printf '.SS lumora %s\n' "$command"
-  "$lumora" "$command" --help | block
+for command in $("$lumora" --help | commands); do
+  section "$command"
+done
+for action in $("$lumora" pack --help | actions); do
+  section pack "$action"
 done
 cat <<'TAIL'
 .SH FILES

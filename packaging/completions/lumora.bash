@@ -13,10 +13,14 @@ _lumora() {
     words="$(_lumora_words commands) --help --version"
   elif [[ $previous == --look || $previous == -l || $previous == --looks ]]; then
     words=$(_lumora_words looks)
-  elif [[ $previous == --format ]]; then
+  elif [[ $previous == --format || $previous == -f ]]; then
     words="rgba nv21 nv12"
+  elif [[ $previous == --to ]]; then
+    words="jpg png webp tif avif heic"
   elif ((COMP_CWORD == 2)) && [[ $previous == pack ]]; then
     words="create show check extract"
+  elif [[ $cur != -* && ${COMP_WORDS[1]} == looks ]]; then
+    words=$(_lumora_words looks)
   elif [[ $cur == -* ]]; then
     if [[ ${COMP_WORDS[1]} == pack ]]; then
       words=$(_lumora_words options pack "${COMP_WORDS[2]}")

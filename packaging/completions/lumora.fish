@@ -15,3 +15,6 @@ complete -c lumora -n 'test (count (commandline -opc)) -eq 1' -f -a '(__lumora_c
 complete -c lumora -n 'test (count (commandline -opc)) -eq 2; and contains pack (commandline -opc)' -f -a 'create show check extract'
 complete -c lumora -n 'string match -qr -- "^-" (commandline -ct)' -f -a '(__lumora_options)'
 complete -c lumora -n 'contains -- (commandline -opc)[-1] --look -l --looks' -f -a '(__lumora_looks)'
+complete -c lumora -n 'contains -- (commandline -opc)[-1] --format -f' -f -a 'rgba nv21 nv12'
+complete -c lumora -n 'contains -- (commandline -opc)[-1] --to' -f -a 'jpg png webp tif avif heic'
+complete -c lumora -n 'test "$(commandline -opc)[2]" = looks' -f -a '(__lumora_looks)'

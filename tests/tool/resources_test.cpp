@@ -58,7 +58,7 @@ TEST_F(ResourceCommands, PackCheckNamesTheFirstFault) {
   const std::pair<const char*, const char*> cases[] = {
       {"two-faults.dat", "does not begin with the bytes 04 00 04 00"},
       {"short.dat", "has 11535851 bytes instead of 11535852"},
-      {"none.dat", "No such file"},
+      {"none.dat", "there is no such file"},
       {".", "is not a regular file"}};
   for (const auto& [file, complaint] : cases) {
     const ToolResult result = run({"pack", "check", file});

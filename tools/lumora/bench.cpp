@@ -47,7 +47,7 @@ CommandLine commandLine(BenchSettings& s) {
             for (const std::string& name : splitAtCommas(v)) s.looks.push_back(&findMode(name));
           }},
          {"strength", 's', "0..32", "default 16",
-          [&s](const std::string& v) { s.strength = parseInteger(v, 0, 32); }},
+          [&s](const std::string& v) { s.strength = parseStrength(v); }},
          {"format", 'f', "rgba|nv21|nv12", "turn the photograph into such a frame; default rgba",
           [&s](const std::string& v) { s.format = &findFrameFormat(v); }},
          {"rounds", 0, "N", "how often every look is timed; default 9",

@@ -1,7 +1,6 @@
 #include "contact_sheet.h"
 
 #include <algorithm>
-#include <filesystem>
 
 #include "errors.h"
 #include "output.h"
@@ -67,10 +66,7 @@ VImage contactSheet(const std::vector<SheetCell>& cells, int columns, int cellWi
 }
 
 void writeImage(const VImage& image, const std::string& path, int quality) {
-  const std::string suffix = lowerCase(std::filesystem::path(path).extension().string());
-  if (!isWritableSuffix(suffix)) {
-    throw UsageError(text(path, ": its name must end in one of ", writableSuffixes()));
-  }
+  const std::string suffix = requireWritableName(path);
   const VImage rgba = image.bandjoin(255);
   std::size_t bytes = 0;
   const VipsBytes pixels(static_cast<std::uint8_t*>(rgba.write_to_memory(&bytes)));

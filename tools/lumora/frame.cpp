@@ -47,10 +47,14 @@ CommandLine commandLine(FrameSettings& s) {
          {"verbose", 'v', nullptr, "show what is done and the library's log", raise(s.verbose)}}},
        resourceOptions(s.resources)},
       "  lumora frame --look moran --format nv21 --size 1280x720 < in.nv21 > out.nv21\n"
-      "  ffmpeg -i in.mp4 -vf scale=out_color_matrix=bt601:out_range=pc -f rawvideo \\\n"
-      "      -pix_fmt nv12 - | lumora frame -l xpro2 -f nv12 --size 1920x1080 |\n"
-      "      ffmpeg -f rawvideo -pix_fmt nv12 -s 1920x1080 -r 25 -i - \\\n"
-      "      -vf scale=in_color_matrix=bt601:in_range=pc out.mp4\n"};
+      "\nA whole video, with its sound; size and rate (-r) are those that ffprobe tells:\n"
+      "  ffmpeg -v error -i in.mp4 -vf scale=out_color_matrix=bt601:out_range=pc \\\n"
+      "      -pix_fmt nv12 -f rawvideo - |\n"
+      "    lumora frame --look xpro2 --format nv12 --size 1920x1080 |\n"
+      "    ffmpeg -v error -f rawvideo -pix_fmt nv12 -s 1920x1080 -r 25 -i - -i in.mp4 \\\n"
+      "      -map 0:v -map '1:a?' -c:a copy -colorspace bt709 -vf \\\n"
+      "      scale=in_color_matrix=bt601:in_range=pc:out_color_matrix=bt709:out_range=tv \\\n"
+      "      out.mp4\n"};
 }
 
 void checkSettings(FrameSettings& settings) {

@@ -71,6 +71,21 @@ std::vector<SheetCell> drawCells(const GallerySettings& gallery, const ResourceS
   return cells;
 }
 
+VImage drawSheet(const GallerySettings& gallery, const ResourceSettings& resources,
+                 const std::string& path) {
+  try {
+    Photograph photograph = Photograph::read(path);
+    Size size;
+    const std::vector<std::uint8_t> rgba = preparedPixels(photograph, size);
+    const int cellHeight =
+        std::max(64, kCellWidth * static_cast<int>(size.height) / static_cast<int>(size.width));
+    return contactSheet(drawCells(gallery, resources, rgba, size), gallery.columns, kCellWidth,
+                        cellHeight);
+  } catch (const PictureError& error) {
+    throw PictureError(text(path, ": ", error.what()));
+  }
+}
+
 CommandLine commandLine(GallerySettings& gallery, ResourceSettings& resources) {
   return {
       "lumora gallery [options] IN OUT",
@@ -87,7 +102,7 @@ CommandLine commandLine(GallerySettings& gallery, ResourceSettings& resources) {
           [&](const std::string& v) {
             gallery.strengths.clear();
             for (const std::string& number : splitAtCommas(v)) {
-              gallery.strengths.push_back(parseInteger(number, 0, 32));
+              gallery.strengths.push_back(parseStrength(number));
             }
           }},
          {"columns", 'c', "N", "pictures in a row; default 5, or one per strength",
@@ -117,21 +132,13 @@ int galleryCommand(int argc, char** argv) {
     gallery.columns = gallery.strengths.size() > 1 ? static_cast<int>(gallery.strengths.size()) : 5;
   }
 
+  requireWritableName(operands->at(1));
+
   startImageLibrary(argv[0], false);
   // The library writes lines of its own there.
   takeStandardOutput(false);
-  try {
-    Photograph photograph = Photograph::read(operands->at(0));
-    Size size;
-    const std::vector<std::uint8_t> rgba = preparedPixels(photograph, size);
-    const int cellHeight =
-        std::max(64, kCellWidth * static_cast<int>(size.height) / static_cast<int>(size.width));
-    writeImage(contactSheet(drawCells(gallery, resources, rgba, size), gallery.columns, kCellWidth,
-                            cellHeight),
-               operands->at(1), gallery.quality);
-  } catch (const PictureError& error) {
-    throw PictureError(text(operands->at(0), ": ", error.what()));
-  }
+  const VImage sheet = drawSheet(gallery, resources, operands->front());
+  writeImage(sheet, operands->at(1), gallery.quality);
   return kExitDone;
 }
 

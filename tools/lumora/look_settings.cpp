@@ -14,12 +14,6 @@ constexpr int kShortestMosaicSide = 8;
 
 int even(int value) { return value & ~1; }
 
-int parseStrength(const std::string& value) {
-  const int strength = parseInteger(value, INT_MIN, INT_MAX);
-  if (strength >= 0 && strength <= 32) return strength;
-  throw UsageError(text(strength, " is outside 0..32 (0 half effect, 16 full, 17..32 stronger)"));
-}
-
 Rectangle parseRectangle(const std::string& value) {
   const std::vector<int> n = parseIntegers(value, ',', 4, "X,Y,WIDTH,HEIGHT");
   for (const int number : n) {
@@ -198,6 +192,12 @@ std::vector<ModeOption> modeOptionTable(LookSettings& s) {
 }
 
 }  // namespace
+
+int parseStrength(const std::string& value) {
+  const int strength = parseInteger(value, INT_MIN, INT_MAX);
+  if (strength >= 0 && strength <= 32) return strength;
+  throw UsageError(text(strength, " is outside 0..32 (0 half effect, 16 full, 17..32 stronger)"));
+}
 
 OptionGroup lookOptions(LookSettings& s) {
   return {

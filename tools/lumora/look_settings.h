@@ -64,6 +64,8 @@ struct LookSettings {
   std::vector<std::pair<unsigned, const char*>> modeOptions;
 };
 
+int parseStrength(const std::string& value);
+
 OptionGroup lookOptions(LookSettings& settings);
 OptionGroup modeOptions(LookSettings& settings);
 // The options that only this mode takes, to be listed.

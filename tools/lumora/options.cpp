@@ -78,6 +78,7 @@ void printHelp(std::ostream& out, const CommandLine& line) {
     out << '\n' << group.title << ":\n";
     for (const Option& option : group.options) printOption(out, option);
   }
+  if (line.groups.empty()) out << '\n';
   printOption(out, {"help", 'h', nullptr, "show this text", {}});
   if (line.examples) out << "\nExamples:\n" << line.examples;
 }

@@ -61,7 +61,8 @@ std::string faultOf(const std::vector<std::uint8_t>& pack) {
 std::vector<std::uint8_t> readPack(const std::string& path) {
   struct stat status;
   if (::stat(path.c_str(), &status) != 0) {
-    throw ResourceError(text(path, ": ", std::strerror(errno)));
+    throw ResourceError(
+        text(path, ": ", errno == ENOENT ? "there is no such file" : std::strerror(errno)));
   }
   if (!S_ISREG(status.st_mode)) throw ResourceError(text(path, ": is not a regular file"));
   // A longer file need not be read to the end to be refused.
@@ -150,7 +151,7 @@ int show(int argc, char** argv) {
   const auto operands = readCommandLine({"lumora pack show mixIm.dat OUT.png",
                                          "Draws a labelled sheet of the textures in a pack.\n",
                                          {},
-                                         nullptr},
+                                         "  lumora pack show mixIm.dat textures.png\n"},
                                         argc, argv);
   if (!operands) return kExitDone;
   if (operands->size() != 2) throw UsageError("a pack and an output picture are needed");
@@ -168,7 +169,7 @@ int check(int argc, char** argv) {
   const auto operands = readCommandLine({"lumora pack check mixIm.dat",
                                          "Names the first thing that is wrong with a pack.\n",
                                          {},
-                                         nullptr},
+                                         "  lumora pack check mixIm.dat\n"},
                                         argc, argv);
   if (!operands) return kExitDone;
   if (operands->size() != 1) throw UsageError("one pack is needed");
@@ -182,7 +183,7 @@ int extract(int argc, char** argv) {
       readCommandLine({"lumora pack extract mixIm.dat FOLDER",
                        "Writes every texture of a pack as NAME.png into an existing folder.\n",
                        {},
-                       nullptr},
+                       "  lumora pack extract mixIm.dat textures\n"},
                       argc, argv);
   if (!operands) return kExitDone;
   if (operands->size() != 2) throw UsageError("a pack and a folder are needed");
@@ -232,7 +233,10 @@ int packCommand(int argc, char** argv) {
               << action.summary << '\n';
   }
   std::cout << "\n'lumora pack ACTION --help' tells more. The slots of a pack are\n"
-            << joinedSlotNames() << ".\n";
+            << joinedSlotNames() << ".\n"
+            << "\nExamples:\n"
+            << "  lumora pack create --out mixIm.dat --slot vignette=mine.png\n"
+            << "  lumora apply --look xpro2 --resources . photo.jpg result.jpg\n";
   return kExitDone;
 }
 

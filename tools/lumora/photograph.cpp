@@ -7,6 +7,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <string_view>
 
 #include "errors.h"
@@ -233,6 +234,16 @@ std::string writableSuffixes() {
 }
 
 bool isWritableSuffix(const std::string& suffix) { return findFormat(suffix) != nullptr; }
+
+std::string requireWritableName(const std::string& path) {
+  std::error_code missing;
+  if (std::filesystem::is_directory(path, missing)) {
+    throw UsageError(text(path, ": is a folder; name the picture to write in it"));
+  }
+  const std::string suffix = lowerCase(std::filesystem::path(path).extension().string());
+  if (isWritableSuffix(suffix)) return suffix;
+  throw UsageError(text(path, ": its name must end in one of ", writableSuffixes()));
+}
 
 bool isPictureSuffix(const std::string& suffix) {
   constexpr std::string_view kReadOnly[] = {".jpe", ".jfif", ".gif", ".heif", ".jxl",

@@ -62,6 +62,8 @@ void loadMask(LookSettings& settings);
 // The suffixes that encode() knows, for messages: ".jpg, .png, ..."
 std::string writableSuffixes();
 bool isWritableSuffix(const std::string& suffix);
+// The suffix of a picture to be written. Throws a UsageError that names the path.
+std::string requireWritableName(const std::string& path);
 // Whether files named so tend to be pictures: which ones to take from a folder.
 bool isPictureSuffix(const std::string& suffix);
 

@@ -1,6 +1,4 @@
 // lumora sample: a picture to try the looks on.
-#include <filesystem>
-
 #include "commands.h"
 #include "errors.h"
 #include "filter.h"
@@ -25,10 +23,7 @@ int sampleCommand(int argc, char** argv) {
   if (!operands) return kExitDone;
   if (operands->size() != 1) throw UsageError("one output picture is needed");
   const std::string& path = operands->front();
-  const std::string suffix = lowerCase(std::filesystem::path(path).extension().string());
-  if (!isWritableSuffix(suffix)) {
-    throw UsageError(text(path, ": its name must end in one of ", writableSuffixes()));
-  }
+  const std::string suffix = requireWritableName(path);
   requirePictureSize(size);
 
   startImageLibrary(argv[0], false);

@@ -26,11 +26,15 @@ void writeDefault(const std::vector<std::string>& operands) {
   output.commit();
 }
 
-int check(const std::string& path) {
+void check(const std::string& path) {
   FilterParams params;
   TuningReport report;
   const Status status = readFilterParams(params.bytes, path.c_str(), report);
   if (status != Status::kOk) throw UsageError(text(path, ": the path is too long"));
+  if (!keepsDocument(report.document.status)) {
+    throw ResourceError(
+        text(path, ": ", describeDocument(report), "; every look would have its built-in values"));
+  }
   std::cout << path << ": " << describeDocument(report) << '\n';
   for (int block = 0; block < kTuningBlockCount; ++block) {
     const TuningBlock& known = kTuningBlocks[block];
@@ -38,7 +42,6 @@ int check(const std::string& path) {
               << std::string(16 - std::string_view(known.look).size(), ' ')
               << describeBlock(report, block) << '\n';
   }
-  return keepsDocument(report.document.status) ? kExitDone : kExitResources;
 }
 
 }  // namespace
@@ -64,8 +67,7 @@ int tuneCommand(int argc, char** argv) {
   if (operands->size() > (isDefault ? 1u : 0u)) {
     throw UsageError(text("there is nothing to do with '", operands->back(), "'"));
   }
-  if (!isDefault) return check(toCheck);
-  writeDefault(*operands);
+  isDefault ? writeDefault(*operands) : check(toCheck);
   return kExitDone;
 }
 
