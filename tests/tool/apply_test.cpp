@@ -160,22 +160,6 @@ TEST_F(ApplyTest, OneBadFileIsReportedAndTheOthersAreDone) {
   EXPECT_EQ(listFolder("out"), (std::vector<std::string>{"a_moran.jpg", "b_moran.png"}));
 }
 
-TEST_F(ApplyTest, ABatchNeverOverwritesItsInputsOrItself) {
-  writePicture("a.png");
-  writePicture("a.jpg");
-  const Bytes before = readFile("a.png");
-
-  const ToolResult onto = run({"apply", "-l", "moran", "-d", ".", "a.png"});
-  EXPECT_EQ(onto.exitCode, 1);
-  EXPECT_NE(onto.standardError.find("would be overwritten"), std::string::npos);
-  EXPECT_EQ(readFile("a.png"), before);
-
-  const ToolResult twice =
-      run({"apply", "-l", "moran", "-d", "out", "--to", "png", "a.png", "a.jpg"});
-  EXPECT_EQ(twice.exitCode, 1);
-  EXPECT_NE(twice.standardError.find("already made from a.png"), std::string::npos);
-}
-
 TEST_F(ApplyTest, StandardInputAndOutput) {
   writePicture("in.png");
   const ToolResult result = run({"apply", "-l", "heibai", "--to", "png", "-", "-"}, "in.png");

@@ -81,6 +81,9 @@ INSTANTIATE_TEST_SUITE_P(
                   {"apply", "-l", "mosaic", "--rect", "64,64,66,20", "in.png", "o.png"},
                   1,
                   {"in.png", "64,64,66,20", "128 x 96"}},
+        ErrorCase{"OutDirUnwritable", apply({"-d", "/proc/o", "in.png"}), 1, {"/proc/o: cannot"}},
+        ErrorCase{"BenchMissing", {"bench", "no.jpg"}, 1, {"no.jpg: there is no such file"}},
+        ErrorCase{"GalleryUnwritable", {"gallery", "in.png", "/proc/o.png"}, 1, {": /proc/o.png"}},
         ErrorCase{"PickOutside",
                   {"apply", "-l", "colour-fix", "--pick", "128,0", "in.png", "o.png"},
                   1,
@@ -113,6 +116,21 @@ INSTANTIATE_TEST_SUITE_P(
                   apply({"--rect", "0,0,8,8", "in.png", "o.png"}),
                   2,
                   {"--rect", "mosaic", "heibai"}},
+        ErrorCase{"DirectionOfAnotherLook",
+                  apply({"--direction", "1", "in.png", "o.png"}),
+                  2,
+                  {"--direction", "lianghong"}},
+        ErrorCase{"RecursiveWithoutFolder", apply({"-r", "folder", "o.png"}), 2, {"--out-dir"}},
+        ErrorCase{"JobsWord", apply({"-j", "all", "in.png", "o.png"}), 2, {"--jobs", "'all'"}},
+        ErrorCase{"ManyJobs", apply({"-j", "257", "in.png", "o.png"}), 2, {"--jobs", "0..256"}},
+        ErrorCase{"StandardInputIntoFolder", apply({"-d", "folder", "-"}), 2, {"IN OUT"}},
+        ErrorCase{"GalleryIntoFolder", {"gallery", "in.png", "folder"}, 2, {"folder: is a folder"}},
+        ErrorCase{"SampleSuffix", {"sample", "o.xyz"}, 2, {"o.xyz", ".jpg"}},
+        ErrorCase{"BenchFormat",
+                  {"bench", "-l", "colour-fix", "-f", "nv21", "in.png"},
+                  2,
+                  {"colour-fix", "rgba"}},
+        ErrorCase{"LooksUnknown", {"looks", "tilt"}, 2, {"'tilt'"}},
         ErrorCase{"OddRectangle",
                   {"apply", "-l", "mosaic", "--rect", "1,0,8,8", "in.png", "o.png"},
                   2,
@@ -159,28 +177,39 @@ TEST_F(CommandLineTest, ResourceFoldersMayHaveLongNamesAndTuningComeFromElsewher
   }
 }
 
-TEST_F(CommandLineTest, HelpIsOnStandardOutput) {
-  for (const std::vector<std::string>& arguments :
-       std::vector<std::vector<std::string>>{{"--help"},
-                                             {"apply", "--help"},
-                                             {"frame", "-h"},
-                                             {"looks", "--help"},
-                                             {"sample", "--help"}}) {
-    const ToolResult result = run(arguments);
-    EXPECT_EQ(result.exitCode, 0);
-    EXPECT_EQ(result.outputText().find("Usage: lumora"), 0u);
-    EXPECT_EQ(result.standardError, "");
-  }
-}
-
-TEST_F(CommandLineTest, ListsAllLooks) {
+TEST_F(CommandLineTest, ListsAllLooksWithTheOptionsTheyTake) {
   const std::string table = run({"looks"}).outputText();
   const std::string json = run({"looks", "--json"}).outputText();
   for (const char* name : {"moran", "heibai", "mosaic", "colour-fix", "tilt-shift"}) {
     EXPECT_NE(table.find(name), std::string::npos);
     EXPECT_NE(json.find("\"name\": \"" + std::string(name) + "\""), std::string::npos);
+    const std::string one = run({"looks", name}).outputText();
+    EXPECT_NE(one.find(std::string(name) + ": "), std::string::npos) << one;
   }
-  EXPECT_EQ(std::count(json.begin(), json.end(), '{'), 20);
+  const auto count = [&json](const char* word) {
+    std::size_t found = 0;
+    for (std::size_t at = 0; (at = json.find(word, at)) != json.npos; ++at) ++found;
+    return found;
+  };
+  EXPECT_EQ(count("\"mode\": "), 20u);
+  // Every listed option is taken with its own look: what apply says of it is about the value.
+  const ToolResult help = run({"apply", "--help"});
+  const std::string text = help.outputText();
+  const std::string group = text.substr(text.find("Settings of single looks"));
+  std::size_t options = 0;
+  for (std::size_t at = 0, end = group.find("\n\n"); (at = group.find("\n      --", at)) < end;
+       ++at) {
+    const std::string option = group.substr(at + 7, group.find(' ', at + 7) - at - 7);
+    const std::size_t listed = json.find("{\"option\": \"" + option + "\"");
+    ASSERT_NE(listed, json.npos) << option;
+    const std::size_t name = json.rfind("\"name\": \"", listed) + 9;
+    const std::string look = json.substr(name, json.find('"', name) - name);
+    const ToolResult refused = run({"apply", "-l", look, option, "", "in.png", "o.png"});
+    EXPECT_EQ(refused.standardError.find("belongs to"), std::string::npos) << option;
+    ++options;
+  }
+  EXPECT_EQ(options, 11u);
+  EXPECT_EQ(count("\"option\": "), options);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "tool_runner.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -118,6 +119,8 @@ pid_t ToolTest::start(const std::vector<std::string>& arguments, int& inputPipe)
   command.insert(command.end(), arguments.begin(), arguments.end());
   const pid_t child = ::fork();
   if (child == 0) {
+    // Where the tests run in the background interrupts are ignored, and so the tool would.
+    ::signal(SIGINT, SIG_DFL);
     replaceDescriptor(STDIN_FILENO, ends[0]);
     if (::chdir(folder_.c_str()) != 0) ::_exit(126);
     become(command);
