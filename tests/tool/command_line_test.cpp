@@ -123,6 +123,7 @@ INSTANTIATE_TEST_SUITE_P(
         ErrorCase{"RecursiveWithoutFolder", apply({"-r", "folder", "o.png"}), 2, {"--out-dir"}},
         ErrorCase{"JobsWord", apply({"-j", "all", "in.png", "o.png"}), 2, {"--jobs", "'all'"}},
         ErrorCase{"ManyJobs", apply({"-j", "257", "in.png", "o.png"}), 2, {"--jobs", "0..256"}},
+        ErrorCase{"SuffixPath", apply({"-d", "o", "--suffix", "a/b", "in.png"}), 2, {"'a/b'"}},
         ErrorCase{"StandardInputIntoFolder", apply({"-d", "folder", "-"}), 2, {"IN OUT"}},
         ErrorCase{"GalleryIntoFolder", {"gallery", "in.png", "folder"}, 2, {"folder: is a folder"}},
         ErrorCase{"SampleSuffix", {"sample", "o.xyz"}, 2, {"o.xyz", ".jpg"}},

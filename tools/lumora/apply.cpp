@@ -40,6 +40,11 @@ std::string parseFormat(const std::string& value) {
   throw UsageError(text("'", value, "' is not one of ", writableSuffixes()));
 }
 
+std::string parseSuffix(const std::string& value) {
+  if (value.find('/') == value.npos) return value;
+  throw UsageError(text("'", value, "' is a part of file names and cannot hold '/'"));
+}
+
 CommandLine commandLine(ApplySettings& s) {
   return {
       "lumora apply --look NAME [options] IN OUT\n"
@@ -63,14 +68,14 @@ CommandLine commandLine(ApplySettings& s) {
         {{"out-dir", 'd', "DIR", "write every picture into this folder, under its own name",
           keep(s.plan.outputFolder)},
          {"suffix", 0, "TEXT", "put TEXT behind the names (photo_TEXT.jpg: _TEXT)",
-          keep(s.plan.suffix)},
+          [&s](const std::string& v) { s.plan.suffix = parseSuffix(v); }},
          {"recursive", 'r', nullptr,
           "take folders too: the pictures in them and in the folders\n"
           "below, which come to lie in the same folders below DIR",
           raise(s.plan.recursive)},
          {"jobs", 'j', "N",
-          "work on N pictures at a time, each in one thread; 'auto' for\n"
-          "as many as there are processors; default 1",
+          "work on N pictures at a time, each in one thread, all in\n"
+          "memory; 'auto': as many as there are processors; default 1",
           [&s](const std::string& v) { s.jobs = parseJobs(v); }}}},
        resourceOptions(s.resources)},
       "  lumora apply --look heibai photo.jpg grey.jpg\n"
