@@ -148,7 +148,8 @@ std::vector<ModeOption> modeOptionTable(LookSettings& s) {
   return {
       {LUMORA_MODE_LIANGHONG,
        {"direction", 0, "0..3",
-        "how the camera was held, in quarter turns; the light\nleak turns with it; default 0",
+        "how the camera was held, in quarter turns; the light\n"
+        "leak turns with it; default 0",
         [&s](const std::string& v) { s.direction = parseInteger(v, 0, 3); }}},
       {LUMORA_MODE_MOSAIC,
        {"rect", 0, "X,Y,W,H",
@@ -157,8 +158,8 @@ std::vector<ModeOption> modeOptionTable(LookSettings& s) {
         [&s](const std::string& v) { s.rectangle = parseRectangle(v); }}},
       {LUMORA_MODE_MOSAIC,
        {"block", 0, "N",
-        "edge of one block, 8..2000; default: a twelfth of the\nrectangle's shorter side, at least "
-        "8",
+        "edge of one block, 8..2000; default: a twelfth of the\n"
+        "rectangle's shorter side, at least 8",
         [&s](const std::string& v) { s.block = parseInteger(v, 8, 2000); }}},
       {LUMORA_MODE_COLOUR_FIX,
        {"colour", 0, "'#rrggbb'", "the colour that stays",
@@ -176,8 +177,8 @@ std::vector<ModeOption> modeOptionTable(LookSettings& s) {
         [&s](const std::string& v) { s.centre = parsePoint(v); }}},
       {LUMORA_MODE_BLUR,
        {"radius", 0, "INNER,OUTER",
-        "sharp up to INNER, fully blurred from OUTER on;\ndefault: a quarter and half of the "
-        "shorter side",
+        "sharp up to INNER, fully blurred from OUTER on;\n"
+        "default: a quarter and half of the shorter side",
         [&s](const std::string& v) { s.radius = parseRings(v); }}},
       {LUMORA_MODE_TILT_SHIFT,
        {"band", 0, "X1,Y1,X2,Y2",
@@ -186,7 +187,7 @@ std::vector<ModeOption> modeOptionTable(LookSettings& s) {
         "default: level, from 2/5 to 4/5 of the height",
         [&s](const std::string& v) { s.band = parseBand(v); }}},
       {LUMORA_MODE_TILT_SHIFT,
-       {"core", 0, "0..32", "entirely sharp share of the band, in 1/32;\ndefault 16",
+       {"core", 0, "0..32", "entirely sharp share of the band, in 1/32; default 16",
         [&s](const std::string& v) { s.core = parseInteger(v, 0, 32); }}},
   };
 }
@@ -214,9 +215,10 @@ OptionGroup lookOptions(LookSettings& s) {
 
 OptionGroup modeOptions(LookSettings& s) {
   OptionGroup group{"Settings of single looks (positions in pixels of the upright picture)", {}};
-  for (auto& [mode, option] : modeOptionTable(s)) {
-    option.help = text(nameOf(mode), ": ", option.help);
-    option.accept = [&s, mode, name = option.name, accept = option.accept](const std::string& v) {
+  for (auto& [owner, option] : modeOptionTable(s)) {
+    option.help = text(nameOf(owner), ": ", option.help);
+    option.accept = [&s, mode = owner, name = option.name,
+                     accept = option.accept](const std::string& v) {
       s.modeOptions.emplace_back(mode, name);
       accept(v);
     };
