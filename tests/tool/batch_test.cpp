@@ -87,6 +87,26 @@ TEST_F(BatchTest, JobsChangeNeitherFilesNorReports) {
   }
 }
 
+// The image library's threads share one list of complaints.
+TEST_F(BatchTest, EveryDamageIsExplainedByItsOwnComplaint) {
+  fs::create_directories(pathOf("cut"));
+  writePicture("whole.png");
+  const std::string whole[] = {"photos/p0.jpg", "whole.png"};
+  for (int i = 0; i < 60; ++i) {
+    Bytes bytes = readFile(whole[i % 2]);
+    bytes.resize(bytes.size() * 3 / 4);
+    writeFile("cut/" + std::to_string(100 + i) + fs::path(whole[i % 2]).extension().string(),
+              bytes);
+  }
+  const ToolResult one = apply({"-r", "-d", "out", "cut"});
+  const ToolResult several = apply({"-r", "-d", "out", "--jobs", "8", "cut"});
+  EXPECT_EQ(several.standardError, one.standardError);
+  EXPECT_NE(one.standardError.find("cut/100.jpg: cannot be read, it seems damaged: VipsJpeg"),
+            std::string::npos);
+  EXPECT_NE(one.standardError.find("cut/101.png: cannot be read, it seems damaged: "),
+            std::string::npos);
+}
+
 TEST_F(BatchTest, VerboseLinesOfSeveralJobsStayWhole) {
   const ToolResult result =
       apply({"--recursive", "--jobs", "4", "--verbose", "--out-dir", "out", "photos"});
