@@ -1,0 +1,237 @@
+// The ageing of LAODIANYING's film: grain to the last bit, marks where the generator says.
+#include "looks/texture/film_ageing.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "support/test_picture.h"
+
+namespace lumora::test {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+constexpr long kSeed = 424242;
+
+struct Mark {
+  Bytes texels;
+  int width;
+  int height;
+  MarkTexture view() { return {texels.data(), width, height}; }
+};
+
+Mark noiseMark(int width, int height, std::uint32_t seed) {
+  Mark mark{Bytes(static_cast<std::size_t>(width) * height), width, height};
+  Noise noise(seed);
+  for (std::uint8_t& v : mark.texels) v = noise.byte();
+  return mark;
+}
+
+// The plain form. Every product is stored before it is added, so that nothing is fused.
+int grained(int channel, int texel, bool isDark) {
+  const volatile float grain = (isDark ? 0.8f : 0.35f) * static_cast<float>(texel);
+  const volatile float kept = (isDark ? 0x1.999998p-3f : 0.65f) * static_cast<float>(channel);
+  return static_cast<int>(grain + kept);
+}
+
+int greyOfFilm(const std::uint8_t* p) {
+  const volatile float green = 0x1.2e1478p-1f * static_cast<float>(p[1]);
+  const volatile float blue = 0.11f * static_cast<float>(p[2]);
+  const volatile float red = 0.3f * static_cast<float>(p[0]);
+  const volatile float greenBlue = green + blue;
+  return static_cast<int>(greenBlue + red);
+}
+
+void referenceGrain(const Picture& picture, const Bytes& grain) {
+  for (int y = 0; y < picture.heightRows; ++y) {
+    for (int x = 0; x < picture.widthPixels; ++x) {
+      const int texel = grain[static_cast<std::size_t>(y) * picture.widthPixels + x];
+      const int channels = picture.isRgba() ? 3 : 1;
+      std::uint8_t* const p = picture.row(y) + x * (picture.isRgba() ? 4 : 1);
+      const bool isDark = (picture.isRgba() ? greyOfFilm(p) : p[0]) <= 23;
+      for (int c = 0; c < channels; ++c) {
+        p[c] = static_cast<std::uint8_t>(grained(p[c], texel, isDark));
+      }
+    }
+  }
+}
+
+int meanUnder(const Picture& picture, int left, int top, const Mark& mark) {
+  int sum = 0;
+  for (int y = top; y < top + mark.height; ++y) {
+    for (int x = left; x < left + mark.width; ++x) {
+      const std::uint8_t* const p = picture.row(y) + x * (picture.isRgba() ? 4 : 1);
+      sum += picture.isRgba() ? (p[0] + p[1] + p[2]) / 3 : p[0];
+    }
+  }
+  return sum / mark.height / mark.width;
+}
+
+void referenceStamp(const Picture& picture, const Mark& mark, int count) {
+  for (int k = 0; k < count; ++k) {
+    const int left = static_cast<int>(lrand48() % (picture.widthPixels - 2 * mark.width));
+    const int top = static_cast<int>(lrand48() % (picture.heightRows - 2 * mark.height));
+    const int mean = meanUnder(picture, left, top, mark);
+    if (mean < 50 || mean > 200) continue;
+    for (int i = 0; i < mark.width * mark.height; ++i) {
+      const std::uint8_t v = mark.texels[i];
+      std::uint8_t* const p =
+          picture.row(top + i / mark.width) + (left + i % mark.width) * (picture.isRgba() ? 4 : 1);
+      if (v != 0) std::fill_n(p, picture.isRgba() ? 3 : 1, v);
+    }
+  }
+}
+
+// What is left of a mark's bytes.
+void prepare(Mark& blotch, Mark& speck) {
+  for (std::uint8_t& v : blotch.texels) {
+    v = v > 79 ? static_cast<std::uint8_t>(v + (255 - v) / 2) : 0;
+  }
+  for (std::uint8_t& v : speck.texels) v = v > 79 ? 255 : 0;
+}
+
+class FilmAgeing : public testing::TestWithParam<int> {
+ protected:
+  FilmAgeing() {
+    setFilmClock([] { return kSeed; });
+  }
+  ~FilmAgeing() override { setFilmClock(nullptr); }
+
+  // Marks of a picture of about 1500 x 1000.
+  Mark blotch_ = noiseMark(20, 11, 5), speck_ = noiseMark(7, 5, 6);
+  const ForcedLevel level_{GetParam()};
+};
+
+INSTANTIATE_TEST_SUITE_P(Levels, FilmAgeing, testing::ValuesIn(supportedLevels()),
+                         [](const auto& p) { return vectorLevelName(p.param); });
+
+TEST_P(FilmAgeing, GrainHasTheWorkedValues) {
+  struct Worked {
+    std::uint8_t before[3];
+    std::uint8_t texel;
+    std::uint8_t after[3];
+  };
+  constexpr Worked kWorked[] = {
+      {{24, 24, 24}, 255, {208, 208, 208}},  // grey 23.999998, dark
+      {{24, 25, 24}, 255, {104, 105, 104}},  // 24.59: not dark
+      {{0, 0, 0}, 255, {204, 204, 204}},
+      {{255, 255, 255}, 0, {165, 165, 165}},
+      {{255, 255, 255}, 255, {255, 255, 255}},
+      {{0, 0, 200}, 0, {0, 0, 39}},  // the weight of dark pictures is just below 0.2
+  };
+  for (const Worked& w : kWorked) {
+    TestPicture picture(PixelFormat::kRgba, 88, 88);
+    picture.fill(w.before[0], w.before[1], w.before[2], 77);
+    const Bytes grain(88 * 88, w.texel);
+    const std::uint8_t* const last = picture.data() + 4 * (88 * 88 - 1);
+    kFilmGrain()(picture.view(), grain.data());
+    for (const std::uint8_t* p : {static_cast<const std::uint8_t*>(picture.data()), last}) {
+      EXPECT_EQ((Bytes{p, p + 4}), (Bytes{w.after[0], w.after[1], w.after[2], 77}));
+    }
+  }
+}
+
+TEST_P(FilmAgeing, GrainEqualsThePlainFormForEveryLumaAndTexel) {
+  Bytes grain(65536);
+  TestPicture luma(PixelFormat::kNv12, 256, 256);
+  for (int i = 0; i < 65536; ++i) {
+    luma.data()[i] = static_cast<std::uint8_t>(i);
+    grain[i] = static_cast<std::uint8_t>(i >> 8);
+  }
+  // Dark colours and others, at a width that leaves a tail.
+  TestPicture colours(PixelFormat::kRgba, 251, 256, 12, 9);
+  for (int i = 0; i < 251 * 128; ++i) {
+    for (int c = 0; c < 3; ++c) colours.data()[i / 251 * (4 * 251 + 12) + i % 251 * 4 + c] >>= 3;
+  }
+  for (TestPicture* picture : {&luma, &colours}) {
+    const Bytes before = picture->snapshot();
+    referenceGrain(picture->view(), grain);
+    const Bytes expected = picture->snapshot();
+    picture->assign(before);
+    kFilmGrain()(picture->view(), grain.data());
+    EXPECT_TRUE(picture->equals(expected)) << picture->difference(expected);
+  }
+}
+
+TEST_P(FilmAgeing, MarksLieWhereTheGeneratorSaysAndGrowWhiter) {
+  for (const PixelFormat format : kFormats) {
+    TestPicture picture(format, 1500, 1000, 36);
+    Bytes grain(1500 * 1000);
+    Noise noise(8);
+    for (std::uint8_t& v : grain) v = static_cast<std::uint8_t>(noise.byte() / 2);
+    Mark blotch = blotch_, speck = speck_, plainBlotch = blotch_, plainSpeck = speck_;
+    for (int call = 0; call < 2; ++call) {
+      const Bytes before = picture.snapshot();
+      prepare(plainBlotch, plainSpeck);
+      referenceGrain(picture.view(), grain);
+      const Bytes withoutMarks = picture.snapshot();
+      srand48(kSeed);
+      referenceStamp(picture.view(), plainBlotch, 5);
+      referenceStamp(picture.view(), plainSpeck, 60);
+      const Bytes expected = picture.snapshot();
+      ASSERT_NE(expected, withoutMarks);
+
+      picture.assign(before);
+      AgeFilm(picture.view(), {grain.data(), blotch.view(), speck.view()});
+      EXPECT_TRUE(picture.equals(expected)) << picture.difference(expected);
+      EXPECT_EQ(blotch.texels, plainBlotch.texels);
+      EXPECT_EQ(speck.texels, plainSpeck.texels);
+    }
+  }
+}
+
+// On flat ground every mark shows or none does.
+TEST_P(FilmAgeing, MarksShowOnMiddlingGroundOnly) {
+  for (const int mean : {49, 50, 200, 201}) {
+    for (const PixelFormat format : {PixelFormat::kRgba, PixelFormat::kNv21}) {
+      int texel = 0, before = 25;
+      while (grained(before, texel, false) != mean) texel == 255 ? (texel = 0, ++before) : ++texel;
+      const auto value = static_cast<std::uint8_t>(before);
+      TestPicture picture(format, 600, 400);
+      picture.fill(value, value, value);
+      const Bytes grain(600 * 400, static_cast<std::uint8_t>(texel));
+      // Most of a mark is as bright as its ground, so that ground stays ground for the next one.
+      Mark blotch{Bytes(20 * 11, 0), 20, 11}, speck{Bytes(7 * 5, 0), 7, 5};
+      blotch.texels[37] = speck.texels[17] = 90;
+      AgeFilm(picture.view(), {grain.data(), blotch.view(), speck.view()});
+      const Bytes after = picture.snapshot();
+      const auto luma = after.begin() + 600 * 400 * (format == PixelFormat::kRgba ? 4 : 1);
+      const auto shown = [&](int v) { return std::count(after.begin(), luma, v); };
+      const bool isVisible = mean >= 50 && mean <= 200;
+      EXPECT_EQ(shown(90 + 82) > 0, isVisible) << mean;
+      EXPECT_GT(shown(mean), 0) << mean;
+    }
+  }
+}
+
+TEST_P(FilmAgeing, MarksThatDoNotFitChangeNothingButAreDrawn) {
+  struct Case {
+    int width, height;
+    Mark blotch, speck;
+  };
+  const Case kCases[] = {
+      {96, 88, {{}, 1, 0}, {{}, 0, 0}},
+      {88, 1000, noiseMark(44, 8, 1), noiseMark(50, 4, 2)},
+      {1000, 88, noiseMark(8, 44, 1), noiseMark(3, 60, 2)},
+  };
+  for (const Case& c : kCases) {
+    TestPicture picture(PixelFormat::kRgba, c.width, c.height);
+    const Bytes grain(static_cast<std::size_t>(c.width) * c.height, 150);
+    const Bytes before = picture.snapshot();
+    referenceGrain(picture.view(), grain);
+    const Bytes expected = picture.snapshot();
+    picture.assign(before);
+    Mark blotch = c.blotch, speck = c.speck;
+    AgeFilm(picture.view(), {grain.data(), blotch.view(), speck.view()});
+    EXPECT_TRUE(picture.equals(expected)) << picture.difference(expected);
+    const long next = lrand48();
+    srand48(kSeed);
+    for (int draw = 0; draw < 2 * (5 + 60); ++draw) lrand48();
+    EXPECT_EQ(next, lrand48());
+  }
+}
+
+}  // namespace
+}  // namespace lumora::test
