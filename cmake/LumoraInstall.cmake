@@ -25,6 +25,10 @@ install(FILES ${PROJECT_BINARY_DIR}/lumora_filters-config.cmake
               ${PROJECT_BINARY_DIR}/lumora_filters-config-version.cmake
   DESTINATION ${LUMORA_PACKAGE_DIR} COMPONENT development)
 
+# Relative to the file's own place, so that the installation can be moved.
+file(RELATIVE_PATH LUMORA_PREFIX_FROM_PC
+     ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" LUMORA_PREFIX_FROM_PC ${LUMORA_PREFIX_FROM_PC})
 configure_file(${PROJECT_SOURCE_DIR}/packaging/lumora_filters.pc.in
   ${PROJECT_BINARY_DIR}/lumora_filters.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/lumora_filters.pc

@@ -201,6 +201,7 @@ LUMORA_FILTERS_API uint32_t getFilterVersion(void);
  *   1024 mixIm.dat missing, unreadable, of another size or malformed
  *   512  memory exhausted; *phHandle becomes null when it is the handle's own block
  *   4096 a worker could not be started
+ *
  * A failure after the handle's block was obtained (no C heap for filter.xml, 1024; a worker that
  * could not be started) leaves the handle in *phHandle; filterDestroy releases it. A failure before
  * that leaves *phHandle untouched. */
@@ -228,6 +229,7 @@ LUMORA_FILTERS_API uint32_t filterDestroy(FilterHandle** phHandle);
  *   256  unknown mode
  *   512, 4096  no memory for a working buffer; a worker could not be started (the picture may be
  *        partly filtered)
+ *
  * Memory: below strength 16 a copy of the picture; where the handle has no texture of the picture's
  * size, one byte a pixel (LIANGHONG and MEISHIMENGHUAN three, LAODIANYING two); mode 17 up to 15
  * bytes a pixel of the rectangle. */
@@ -237,6 +239,7 @@ LUMORA_FILTERS_API uint32_t filterProcess(FilterHandle* handle, const FilterImag
 /* As filterProcess, with modes 18 (colour fix), 19 (blur) and 20 (tilt-shift) in addition.
  *   256  mode 20: core above 32; mode 18: a format other than RGBA, or a mask whose width, height
  *        or stride cannot hold its rows
+ *
  * Memory: mode 18 two bytes a pixel (three with a mask); modes 19 and 20 four bytes a pixel and,
  * for a moment, 8 bytes a pixel of the reduced picture. Modes 11, 18, 19 and 20 are not blended. */
 LUMORA_FILTERS_API uint32_t filterProcess_for_album(FilterHandle* handle,

@@ -18,4 +18,4 @@ done
 for mode in 1 5 6 11 13; do
   if cmp -s "$work/in.ppm" "$work/out$mode.ppm"; then exit 1; fi
 done
-if "$@" "$host" "$resources" 21 16 "$work/in.ppm" "$work/out.ppm" 2>/dev/null; then exit 1; fi
+if "$@" "$host" "$resources" 99 16 "$work/in.ppm" "$work/out.ppm" 2>/dev/null; then exit 1; fi

@@ -21,7 +21,6 @@ ctest --test-dir "$work/build" --output-on-failure
 
 echo "== through pkg-config"
 pc=$(find "$prefix" -name lumora_filters.pc)
-sed -i "s|^prefix=.*|prefix=$prefix|" "$pc"
 export PKG_CONFIG_PATH=${pc%/*}
 flags=$(pkg-config --cflags --libs lumora_filters)
 # shellcheck disable=SC2086
@@ -29,6 +28,13 @@ flags=$(pkg-config --cflags --libs lumora_filters)
 resources=$(pkg-config --variable=resourcedir lumora_filters)
 libdir=$(pkg-config --variable=libdir lumora_filters)
 LD_LIBRARY_PATH=$libdir "$work/direct" "$resources/"
+
+echo "== the static library through pkg-config"
+flags=$(pkg-config --cflags --static --libs lumora_filters)
+# shellcheck disable=SC2086
+"$cc" "$source/consumer.c" -o "$work/direct_static" \
+  ${flags/-llumora_filters/-l:liblumora_filters.a}
+"$work/direct_static" "$resources/"
 
 if [[ -x $prefix/bin/lumora ]]; then
   echo "== the tool finds the installed resources"

@@ -3,6 +3,7 @@
 
 #include <functional>
 
+#include "pipeline/mode_table.h"
 #include "support/captured_log.h"
 #include "support/test_handle.h"
 #include "support/thread_faults.h"
@@ -181,7 +182,7 @@ TEST(FrameChecks, RefuseUnknownModesAfterTheCopy) {
   const TestHandle handle(allocator, {});
   TestPicture picture(PixelFormat::kNv12, 88, 88);
   const auto before = picture.snapshot();
-  for (const std::uint32_t mode : {0u, 21u, 4000000000u}) {
+  for (const std::uint32_t mode : {0u, kModeCount + 1, 4000000000u}) {
     const CapturedLog log;
     HostCall call(handle, picture.image(), mode, 3);
     call.param().singleThread = 1;

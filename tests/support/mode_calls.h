@@ -37,9 +37,13 @@ TestHandle::Layout handleLayout(TexturePath path, PixelSize picture);
 // Whether the handle's textures (or its scratch planes) have a part in the mode.
 bool usesTexturePlanes(std::uint32_t mode);
 // Blur and tilt-shift take a level for a strength, and nothing is blended.
-inline bool isLevel(const ModeCall& call) { return call.mode >= LUMORA_MODE_BLUR; }
+inline bool isLevel(const ModeCall& call) {
+  return call.mode == LUMORA_MODE_BLUR || call.mode == LUMORA_MODE_TILT_SHIFT;
+}
 // How many variants of its settings a mode has.
-inline int variantsOf(std::uint32_t mode) { return mode >= LUMORA_MODE_MOSAIC ? 2 : 1; }
+inline int variantsOf(std::uint32_t mode) {
+  return mode >= LUMORA_MODE_MOSAIC && mode <= LUMORA_MODE_TILT_SHIFT ? 2 : 1;
+}
 // Colour fix alone: its single- and four-threaded forms may differ.
 inline bool dependsOnThreads(std::uint32_t mode) { return mode == LUMORA_MODE_COLOUR_FIX; }
 // Mosaic alone moves alpha, inside its rectangle.

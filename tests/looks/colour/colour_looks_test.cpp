@@ -19,22 +19,24 @@ struct NamedLook {
   const char* name;
   const Look& (*look)();
   // The look's own step in front of its curves.
-  Colour (*before)(Colour);
+  Colour (*before)(const ReferencePixel&);
 };
 
 int mixed(int sum) { return std::min(255, (std::max(0, sum) + 64) >> 7); }
 
-Colour unchanged(Colour c) { return c; }
+Colour unchanged(const ReferencePixel& p) { return p.colour; }
 Colour mixChannels(Colour c) {
   return {mixed(148 * c.r + c.b - 12 * c.g), mixed(37 * c.r + 115 * c.g - 13 * c.b),
           mixed(47 * c.r + 18 * c.g + 70 * c.b)};
 }
 
+Colour mixedChannels(const ReferencePixel& p) { return mixChannels(p.colour); }
+
 constexpr NamedLook kCurveLooks[] = {{"RIXI", kRixi, unchanged},
                                      {"FUGU", kFugu, unchanged},
                                      {"VALENCIA", kValencia, unchanged},
                                      {"NUANYANGYANG", kNuanyangyang, unchanged},
-                                     {"TIANMEIKEREN", kTianmeikeren, mixChannels}};
+                                     {"TIANMEIKEREN", kTianmeikeren, mixedChannels}};
 
 // A block whose stored curves are in use: noise, so that steps wrap and lookups saturate.
 LookCurveBlock noisyBlock(std::uint32_t seed) {
@@ -59,7 +61,7 @@ void runCurveReference(const NamedLook& look, const Picture& picture, const Look
   const Knots r = knotsOf(builtIn, block, 0, ratio), g = knotsOf(builtIn, block, 1, ratio),
               b = knotsOf(builtIn, block, 2, ratio);
   referenceRun(picture, [&](const ReferencePixel& p) {
-    const Colour c = look.before(p.colour);
+    const Colour c = look.before(p);
     return Colour{curveLookup(r, c.r), curveLookup(g, c.g), curveLookup(b, c.b)};
   });
 }

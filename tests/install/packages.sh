@@ -1,0 +1,55 @@
+#!/bin/bash
+# Packs a build into Debian packages and checks that each holds what it should, and nothing twice.
+#   packages.sh BUILD_DIR
+set -euo pipefail
+build=$1
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+cpack --config "$build/CPackConfig.cmake" -B "$work" >/dev/null
+
+package() { echo "$work/$1"_*.deb; }
+filesOf() { dpkg-deb --fsys-tarfile "$(package "$1")" | tar t | grep -v '/$'; }
+# holds PACKAGE PATTERN...: for each pattern the package has a file.
+holds() {
+  local name=$1 list pattern
+  shift
+  list=$(filesOf "$name")
+  for pattern in "$@" "usr/share/doc/$name/copyright" "usr/share/doc/$name/changelog.Debian.gz"; do
+    grep -q "^\./$pattern\$" <<<"$list" || { echo "$name lacks $pattern"; exit 1; }
+  done
+}
+dependsOn() {
+  dpkg-deb -f "$(package "$1")" Depends | grep -q "$2" ||
+    { echo "$1 does not depend on $2"; exit 1; }
+}
+
+library=$(cd "$work" && ls liblumora-filters[0-9]*.deb)
+library=${library%%_*}
+packages=("$library" liblumora-filters-dev)
+holds "$library" 'usr/lib/.*liblumora_filters\.so\.[0-9]*' usr/share/lumora_filters/mixIm.dat \
+  usr/share/lumora_filters/filter.xml
+holds liblumora-filters-dev usr/include/lumora/filters.h 'usr/lib/.*liblumora_filters\.a' \
+  'usr/lib/.*liblumora_filters\.so' 'usr/lib/.*pkgconfig/lumora_filters\.pc' \
+  'usr/lib/.*cmake/lumora_filters/lumora_filters-config\.cmake'
+dependsOn "$library" libc6
+dependsOn liblumora-filters-dev "$library (= "
+if [[ -e $(package lumora) ]]; then
+  packages+=(lumora)
+  holds lumora usr/bin/lumora usr/share/man/man1/lumora.1.gz \
+    usr/share/bash-completion/completions/lumora usr/share/zsh/vendor-completions/_lumora \
+    usr/share/fish/vendor_completions.d/lumora.fish
+  dependsOn lumora "$library (= "
+  dependsOn lumora libvips
+fi
+
+twice=$(for name in "${packages[@]}"; do filesOf "$name"; done | sort | uniq -d)
+[[ -z $twice ]] || { echo "in two packages: $twice"; exit 1; }
+# Everything an installation has is in some package (documents of the packages apart).
+DESTDIR=$work/all cmake --install "$build" --prefix /usr >/dev/null
+diff <(cd "$work/all" && find . -type f -o -type l | sed 's/lumora\.1$/lumora.1.gz/' | sort) \
+  <(for name in "${packages[@]}"; do filesOf "$name"; done | grep -v '/share/doc/' | sort)
+synopses=$(for name in "${packages[@]}"; do
+  dpkg-deb -f "$(package "$name")" Description | head -n 1
+done | sort -u | wc -l)
+[[ $synopses == "${#packages[@]}" ]] || { echo "packages share a synopsis"; exit 1; }
