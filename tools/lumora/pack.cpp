@@ -236,7 +236,7 @@ int packCommand(int argc, char** argv) {
             << joinedSlotNames() << ".\n"
             << "\nExamples:\n"
             << "  lumora pack create --out mixIm.dat --slot vignette=mine.png\n"
-            << "  lumora apply --look xpro2 --resources . photo.jpg result.jpg\n";
+            << "  lumora apply --look earlybird --resources . photo.jpg result.jpg\n";
   return kExitDone;
 }
 
