@@ -33,37 +33,44 @@ Work curves(const TestPicture& p) {
   };
 }
 
-// By row pairs, so that the second step finds its pixels in the cache.
-Work mixAndCurves(const TestPicture& p) {
+// Two rows of packed RGBA at a time, so that the next step finds its pixels in the cache.
+using RowPairStep = std::function<void(std::uint8_t* rows, int y)>;
+
+RowPairStep mixRows(const TestPicture& p) {
   // In 1/64.
   SharedBuffer matrix = makeBuffer(16);
   for (int i = 0; i < 16; ++i) {
     const bool inMix = i / 4 < 3 && i % 4 < 3;
     matrix[i] = static_cast<std::uint8_t>(inMix ? kChannelMix[i / 4][i % 4] / 2 : 64 * (i == 15));
   }
-  return [&p, matrix, table = interleavedTable()] {
+  return [width = p.size.width, matrix](std::uint8_t* rows, int) {
+    libyuv::RGBColorMatrix(rows, 4 * width, reinterpret_cast<const std::int8_t*>(matrix.get()), 0,
+                           0, width, 2);
+  };
+}
+
+RowPairStep multiplyRows(const TestPicture& p) {
+  const std::size_t bytes = 4 * static_cast<std::size_t>(p.size.pixels());
+  const SharedBuffer texture = makeBuffer(bytes);
+  std::fill_n(texture.get(), bytes, std::uint8_t{200});
+  return [width = p.size.width, texture](std::uint8_t* rows, int y) {
+    libyuv::ARGBMultiply(texture.get() + std::ptrdiff_t{4} * width * y, 4 * width, rows, 4 * width,
+                         rows, 4 * width, width, 2);
+  };
+}
+
+Work stepAndCurves(const TestPicture& p, const RowPairStep& step) {
+  return [&p, step, table = interleavedTable()] {
     for (int y = 0; y < p.size.height; y += 2) {
       std::uint8_t* const rows = p.data() + static_cast<std::ptrdiff_t>(y) * p.stride;
-      libyuv::RGBColorMatrix(rows, p.stride, reinterpret_cast<const std::int8_t*>(matrix.get()), 0,
-                             0, p.size.width, 2);
+      step(rows, y);
       libyuv::RGBColorTable(rows, p.stride, table.get(), 0, 0, p.size.width, 2);
     }
   };
 }
 
-Work textureAndCurves(const TestPicture& p) {
-  const SharedBuffer texture = makeBuffer(p.bytes);
-  std::copy_n(p.original(), p.bytes, texture.get());
-  return [&p, texture, table = interleavedTable()] {
-    for (int y = 0; y < p.size.height; y += 2) {
-      const std::ptrdiff_t offset = static_cast<std::ptrdiff_t>(y) * p.stride;
-      std::uint8_t* const rows = p.data() + offset;
-      libyuv::ARGBMultiply(texture.get() + offset, p.stride, rows, p.stride, rows, p.stride,
-                           p.size.width, 2);
-      libyuv::RGBColorTable(rows, p.stride, table.get(), 0, 0, p.size.width, 2);
-    }
-  };
-}
+Work mixAndCurves(const TestPicture& p) { return stepAndCurves(p, mixRows(p)); }
+Work textureAndCurves(const TestPicture& p) { return stepAndCurves(p, multiplyRows(p)); }
 
 Work blend(const TestPicture& p) {
   constexpr int kShare = static_cast<int>(256 * kBlendShare);
@@ -131,8 +138,8 @@ Work greyNv(const TestPicture& p) {
   return [&p] { libyuv::SetPlane(p.chroma(), p.stride, p.size.width, p.size.height / 2, 127); };
 }
 
-// To RGB, times a texture if there is one, through the tables and back, by row pairs.
-Work throughRgb(const TestPicture& p, const SharedBuffer& texture) {
+// To RGB, a step where there is one, through the tables and back, by row pairs.
+Work throughRgb(const TestPicture& p, const RowPairStep& step) {
   const int stride = 4 * p.size.width;
   const SharedBuffer rows = makeBuffer(2 * static_cast<std::size_t>(stride));
   return [=, &p, table = interleavedTable()] {
@@ -140,10 +147,7 @@ Work throughRgb(const TestPicture& p, const SharedBuffer& texture) {
       std::uint8_t* const luma = p.data() + static_cast<std::ptrdiff_t>(y) * p.stride;
       std::uint8_t* const chroma = p.chroma() + static_cast<std::ptrdiff_t>(y / 2) * p.stride;
       libyuv::NV12ToARGB(luma, p.stride, chroma, p.stride, rows.get(), stride, p.size.width, 2);
-      if (texture != nullptr) {
-        libyuv::ARGBMultiply(texture.get() + static_cast<std::ptrdiff_t>(y) * stride, stride,
-                             rows.get(), stride, rows.get(), stride, p.size.width, 2);
-      }
+      if (step) step(rows.get(), y);
       libyuv::RGBColorTable(rows.get(), stride, table.get(), 0, 0, p.size.width, 2);
       libyuv::ARGBToNV12(rows.get(), stride, luma, p.stride, chroma, p.stride, p.size.width, 2);
     }
@@ -151,13 +155,8 @@ Work throughRgb(const TestPicture& p, const SharedBuffer& texture) {
 }
 
 Work curvesNv(const TestPicture& p) { return throughRgb(p, nullptr); }
-
-Work textureAndCurvesNv(const TestPicture& p) {
-  const std::size_t bytes = 4 * static_cast<std::size_t>(p.size.pixels());
-  const SharedBuffer texture = makeBuffer(bytes);
-  std::fill_n(texture.get(), bytes, std::uint8_t{200});
-  return throughRgb(p, texture);
-}
+Work mixAndCurvesNv(const TestPicture& p) { return throughRgb(p, mixRows(p)); }
+Work textureAndCurvesNv(const TestPicture& p) { return throughRgb(p, multiplyRows(p)); }
 
 }  // namespace
 
@@ -173,6 +172,7 @@ void addLibyuvCases() {
   addPeerCase("libyuv", "pixelize", kRgba, pixelize);
   addPeerCase("libyuv", "grey", kNv12, greyNv);
   addPeerCase("libyuv", "curves", kNv12, curvesNv);
+  addPeerCase("libyuv", "mix-curves", kNv12, mixAndCurvesNv);
   addPeerCase("libyuv", "texture-curves", kNv12, textureAndCurvesNv);
   addPeerCase("libyuv", "blend", kNv12, blend);
 }
