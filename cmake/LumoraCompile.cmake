@@ -23,6 +23,11 @@ if(LUMORA_SANITIZE)
   add_compile_options(-fsanitize=${LUMORA_SANITIZE} -fno-sanitize-recover=all
                       -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${LUMORA_SANITIZE})
+  if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    # Programs in C use the library, which is C++.
+    add_link_options(-fsanitize-link-c++-runtime)
+    set(CMAKE_C_STANDARD_LIBRARIES -lstdc++)
+  endif()
 endif()
 
 function(lumora_set_warnings target)

@@ -3,7 +3,7 @@
 #include <pthread.h>
 
 #include <atomic>
-#include <chrono>
+#include <ctime>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -29,6 +29,9 @@ constexpr int kDepth = 1'000'000;
 constexpr std::size_t kHostileBytes = 1'000'000;
 constexpr double kSecondsAllowed = 1;
 #endif
+
+// Of the processor, for this process: other work on the machine does not count.
+double secondsOfWork() { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC; }
 
 std::string repeated(std::string_view piece, std::size_t bytes = kHostileBytes) {
   std::string text;
@@ -108,14 +111,13 @@ TEST(HostileDocument, TakesTimeInProportionToItsBytes) {
   };
   CountingHeap heap;
   for (const Case& c : cases) {
-    const auto start = std::chrono::steady_clock::now();
+    const double start = secondsOfWork();
     {
       XmlOutcome outcome;
       const XmlNode node = parseText(c.text.c_str(), XmlEncoding::kUtf8, outcome);
       EXPECT_EQ(static_cast<int>(outcome.status), c.status) << c.what;
     }
-    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
-    EXPECT_LT(taken.count(), kSecondsAllowed) << c.what;
+    EXPECT_LT(secondsOfWork() - start, kSecondsAllowed) << c.what;
     EXPECT_EQ(heap.liveBlocks(), 0) << c.what;
   }
 }
@@ -125,10 +127,9 @@ TEST(HostileDocument, IsSearchedForEveryKeyInTime) {
       document(repeated("<x/>") + "<filterB>" + repeated("<y/>") + "<param1>1</param1></filterB>"));
   FilterParams params;
   TuningReport report;
-  const auto start = std::chrono::steady_clock::now();
+  const double start = secondsOfWork();
   EXPECT_EQ(readFilterParams(params.bytes, file.path(), report), Status::kOk);
-  const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
-  EXPECT_LT(taken.count(), kSecondsAllowed);
+  EXPECT_LT(secondsOfWork() - start, kSecondsAllowed);
   EXPECT_EQ(report.blocks[1].state, BlockState::kTooFewNumbers);
 }
 

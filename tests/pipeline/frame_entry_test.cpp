@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <tuple>
 
 #include "pipeline/mode_table.h"
 #include "support/captured_log.h"
@@ -157,6 +158,52 @@ TEST(FrameChecks, FindTheFirstOfTwoFaults) {
     }
   }
   EXPECT_TRUE(allocator.requests().empty());
+}
+
+// One step too far at every edge, in a picture of which nothing may be touched.
+TEST(FrameChecks, RefuseAMosaicAtEachOfItsEdges) {
+  static constexpr const char *kOutside = "out of picture", *kOddSide = "width or height of region",
+                              *kOddStart = "start possition", *kSmall = "too small",
+                              *kBig = "too big", *kBlock = "block is out of range";
+  static constexpr struct {
+    std::int32_t x, y, width, height, block;
+    const char* message;
+  } kCases[] = {
+      {-2, 0, 16, 16, 8, kOutside},
+      {0, -2, 16, 16, 8, kOutside},
+      {2086, 0, 16, 16, 8, kOutside},
+      {0, 2086, 16, 16, 8, kOutside},
+      {INT32_MIN, 0, 16, 16, 8, kOutside},
+      {0, 8, 16, INT32_MAX, 8, kOutside},
+      {0, 0, 15, 16, 8, kOddSide},
+      {0, 0, 16, 15, 8, kOddSide},
+      {1, 0, 16, 16, 8, kOddStart},
+      {0, 1, 16, 16, 8, kOddStart},
+      {0, 0, 6, 16, 8, kSmall},
+      {0, 0, 16, 6, 8, kSmall},
+      {0, 0, INT32_MIN, 16, 8, kSmall},
+      {0, 0, 16, -16, 8, kSmall},
+      {0, 0, 2002, 16, 8, kBig},
+      {0, 0, 16, 2002, 8, kBig},
+      {0, 0, 16, 16, 7, kBlock},
+      {0, 0, 16, 14, 15, kBlock},
+      {0, 0, 14, 16, 15, kBlock},
+      {0, 0, 16, 16, INT32_MIN, kBlock},
+  };
+  TestAllocator allocator;
+  const TestHandle handle(allocator, {});
+  std::uint8_t neverTouched = 0;
+  for (const auto& given : kCases) {
+    const CapturedLog log;
+    HostCall call(handle, {LUMORA_FORMAT_RGBA, &neverTouched, 2100, 2100, 8400}, 17);
+    FilterProcessParam& param = call.param();
+    std::tie(param.rectX, param.rectY) = std::tie(given.x, given.y);
+    std::tie(param.rectWidth, param.rectHeight) = std::tie(given.width, given.height);
+    param.mosaicSize = given.block;
+    EXPECT_EQ(call.process(), given.message == kOddSide ? 256u : 512u);
+    ASSERT_EQ(log.errors().size(), 1u);
+    EXPECT_NE(log.errors()[0].find(given.message), std::string::npos) << log.errors()[0];
+  }
 }
 
 TEST(FrameChecks, AcceptTheLimitsOfEveryRange) {

@@ -132,11 +132,13 @@ TEST_P(InitialisationFaults, EveryStepOfReadingFails) {
   }
   EXPECT_EQ(refused, 5) << "open, seek, position, seek and read of the pack";
   EXPECT_GT(n, 10) << "the document has such steps, too";
+  RecordProperty("cases", n - 1);
 }
 
 TEST_P(InitialisationFaults, FilesShrinkBetweenAnyTwoSteps) {
-  const auto shrinkAtEveryStep = [this](const std::filesystem::path& file, int rest, auto restore) {
-    for (int n = 1, over = 0; over == 0; ++n) {
+  int cases = 0;
+  const auto shrinkAtEveryStep = [&](const std::filesystem::path& file, int rest, auto restore) {
+    for (int n = 1, over = 0; over == 0; ++n, ++cases) {
       SCOPED_TRACE(testing::Message() << file << " to " << rest << " bytes at step " << n);
       arm(n, [&] { std::filesystem::resize_file(file, static_cast<std::uintmax_t>(rest)); });
       expectRefusedOrBuiltIn(initialise());
@@ -153,6 +155,7 @@ TEST_P(InitialisationFaults, FilesShrinkBetweenAnyTwoSteps) {
   for (const int rest : {0, 1, 250, 5000}) {
     shrinkAtEveryStep(directory_.tuning(), rest, [this] { writeTuning(); });
   }
+  RecordProperty("cases", cases);
 }
 
 // No document takes more memory than a phone has to spare: larger ones count as none.
@@ -169,8 +172,9 @@ TEST_P(InitialisationFaults, ADocumentHasALimit) {
 // Without memory for the document there is none; without memory even for an empty one in its place
 // the initialisation fails, with a handle that only waits for its end.
 TEST_P(InitialisationFaults, EveryBlockOfTheDocumentFails) {
+  int cases = 0;
   for (const bool allAfter : {false, true}) {
-    for (int n = 1, over = 0; over == 0; n += n < 20 ? 1 : 17) {
+    for (int n = 1, over = 0; over == 0; n += n < 20 ? 1 : 17, ++cases) {
       SCOPED_TRACE(n);
       heap_.failAt(n, allAfter);
       const std::uint32_t status = initialise();
@@ -186,6 +190,7 @@ TEST_P(InitialisationFaults, EveryBlockOfTheDocumentFails) {
     heap_.failAt(0);
     expectGoodAgain();
   }
+  RecordProperty("cases", cases);
 }
 
 TEST_P(InitialisationFaults, EveryRequestAndEveryWorkerFails) {
@@ -210,6 +215,7 @@ TEST_P(InitialisationFaults, EveryRequestAndEveryWorkerFails) {
     expectGoodAgain();
   }
   EXPECT_EQ(starts, GetParam() == 0 ? 0 : 8 * kStripeCount);
+  RecordProperty("cases", 2 + starts);
 }
 
 INSTANTIATE_TEST_SUITE_P(Sizes, InitialisationFaults, testing::Values(0u, 96u));

@@ -190,6 +190,7 @@ TEST_F(Handle, AFullHighDefinitionHandleTakes29Megabytes) {
 
 // Fresh blocks of the test's allocator hold 0xA5.
 TEST_F(Handle, OnlyTheModesTexturesArePrepared) {
+  if (!TestAllocator::fillsBlocks()) GTEST_SKIP() << "looks at bytes that nobody wrote";
   const std::size_t plane = 88 * 90;
   const auto untouched = [&](int k) {
     return Bytes(textures() + k * plane, textures() + (k + 1) * plane) == Bytes(plane, 0xA5);

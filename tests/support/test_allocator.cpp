@@ -20,6 +20,11 @@ TestAllocator::TestAllocator() { current = this; }
 
 TestAllocator::~TestAllocator() { current = nullptr; }
 
+bool TestAllocator::fillsBlocks() {
+  static const bool plain = std::getenv("LUMORA_PLAIN_BLOCKS") != nullptr;
+  return !plain;
+}
+
 void TestAllocator::failAt(int n) { failIn_ = n; }
 
 void TestAllocator::guardBlocks(Placement placement, std::uint32_t slack) {
@@ -54,12 +59,11 @@ void* TestAllocator::allocate(std::uint32_t size, const char* tag, std::uint32_t
   if (size > self.largestRequest_) return nullptr;
   Block block = self.makeBlock(size);
   if (block.handedOut == nullptr) return nullptr;
-  // What a fresh block holds must not matter. Valgrind is told so by leaving it as it is.
-  static const bool plain = std::getenv("LUMORA_PLAIN_BLOCKS") != nullptr;
   const bool guarded = block.guarded != nullptr;
-  if (!plain)
+  if (fillsBlocks()) {
     std::memset(guarded ? block.guarded->data() : block.handedOut, 0xA5,
                 std::min(guarded ? block.guarded->size() : size, std::size_t{1} << 22));
+  }
   void* const handedOut = block.handedOut;
   self.live_[handedOut] = std::move(block);
   return handedOut;

@@ -21,6 +21,10 @@ class TestAllocator {
 
   FilterAllocator* record() { return &record_; }
 
+  // What a fresh block holds must not matter: it holds 0xA5, unless LUMORA_PLAIN_BLOCKS is set for
+  // valgrind, which wants to see for itself what was never written.
+  static bool fillsBlocks();
+
   // The n-th request from now on (1 is the next) returns null; 0 for none.
   void failAt(int n);
   // Requests above this size return null.
