@@ -29,8 +29,10 @@ TEST_F(BenchTest, TheFiguresOfARowFitEachOther) {
   EXPECT_EQ(field(json, "height"), 300);
   const double ms = field(json, "ms"), limit = field(json, "limit_ms");
   ASSERT_GT(limit, 0);
+#ifndef LUMORA_REDUCED_TESTS  // sanitizers slow the pass down most
   // The blur does far more than the pass beside it.
   EXPECT_GT(ms, 2 * limit);
+#endif
   EXPECT_NEAR(field(json, "times_limit"), ms / limit, 0.02 * ms / limit);
   EXPECT_NEAR(field(json, "pixels_per_second"), 400 * 300 / (1e-3 * ms),
               1e-2 * 400 * 300 / ms * 1e3);
