@@ -117,10 +117,16 @@ struct ModeCase {
            (textures == Textures::kPrepared ? "/prepared" : "/percall");
   }
 
-  // What the targets are stated for.
+  // What the targets are stated for; and of RGBA on one thread what the cost depends on: every
+  // strength, or another size, or a texture stretched for the call.
   bool isQuick() const {
-    if (!isTargetSize(size) || textures == Textures::kPerCall) return false;
     const bool isTarget = strength == work.targetStrength;
+    if (threads == 1 && format.code == LUMORA_FORMAT_RGBA) {
+      const int others = (isTarget ? 0 : 1) + (isTargetSize(size) ? 0 : 1) +
+                         (textures == Textures::kPrepared ? 0 : 1);
+      return others <= 1;
+    }
+    if (!isTargetSize(size) || textures == Textures::kPerCall) return false;
     if (format.code == LUMORA_FORMAT_NV21) return isTarget && threads == 1;
     return isTarget || (threads == 1 && !isAlbumMode(work.mode) && strength % 8 == 0);
   }
