@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "cases.h"
+#include "effects/gaussian.h"
 #include "host.h"
 #include "pipeline/strength_blend.h"
 #include "pipeline/stripe_runner.h"
@@ -89,6 +90,27 @@ void addResizeCase(std::int32_t channels, Size size, int threads) {
   });
 }
 
+// gauss/size: the recursive Gaussian of blur level 3 alone, on three planes of a quarter of the
+// picture's sides.
+void addGaussianCase(Size size) {
+  addCase("gauss/" + size.name(), isTargetSize(size), [=] {
+    const auto picture = std::make_shared<TestPicture>(kRgba, size);
+    const PlanarImage in{picture->data(), size.width / 4, size.height / 4};
+    const std::shared_ptr<std::uint8_t[]> smoothed =
+        makeBuffer(static_cast<std::size_t>(in.bytes()));
+    const std::shared_ptr<std::uint8_t[]> work =
+        makeBuffer(static_cast<std::size_t>(gaussianWorkBytes(in)));
+    return Subject{
+        pictureRound(picture,
+                     [=] {
+                       const PlanarImage out{smoothed.get(), in.widthPixels, in.heightRows};
+                       RecursiveGaussianPlanes(in, 4.56f, out, work.get());
+                       return std::uint32_t{0};
+                     }),
+        size.pixels() / 16};
+  });
+}
+
 // What a sized handle's block takes: 14 planes, 4 kB and change.
 std::size_t handleSize(Size size) {
   return 14 * static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height);
@@ -134,6 +156,7 @@ void addStepCases() {
     }
   }
   addThreadCase();
+  addGaussianCase(kTargetSize);
   for (const Size size : kSizes) {
     for (const int threads : {1, 4}) {
       addResizeCase(kFormatGray, size, threads);
