@@ -28,8 +28,6 @@ constexpr int kColourStep = 1;
 constexpr int kWidthStep = 1;
 #endif
 
-using Bytes = std::vector<std::uint8_t>;
-
 struct Pixel {
   int r, g, b;
   int highest() const { return std::max({r, g, b}); }

@@ -21,8 +21,6 @@ constexpr int kSizeStep = 1;
 constexpr int kTallSizes[] = {255, 256, 257, 258, 259, 515, 600, 1099};
 #endif
 
-using Bytes = std::vector<std::uint8_t>;
-
 // One block of one plane of `channels` samples: the mean of the untouched samples goes along its
 // first row, which is then copied, `copiedBytes` long, over the others. Alpha is not averaged.
 struct PlaneBlock {

@@ -8,8 +8,6 @@
 
 namespace lumora::test {
 
-using Bytes = std::vector<std::uint8_t>;
-
 // A planar image that owns its planes.
 struct Planes {
   Planes(int widthPixels, int heightRows)

@@ -9,8 +9,6 @@
 namespace lumora::test {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
-
 // Large enough for the film's marks.
 constexpr PixelSize kPicture{1200, 520};
 

@@ -13,8 +13,6 @@
 namespace lumora::test {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
-
 constexpr PixelSize kPicture = {94, 90};
 constexpr int kWeakStrength = 5;  // below 16 the copy and the blend can fail too
 

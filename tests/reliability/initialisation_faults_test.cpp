@@ -15,8 +15,6 @@
 namespace lumora::test {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
-
 // What happens at the n-th step of reading; the two files are read one after the other.
 struct {
   int until = 0;

@@ -8,11 +8,10 @@
 #include <iterator>
 
 #include "resources/texture_pack.h"
+#include "support/test_picture.h"
 
 namespace lumora::test {
 namespace {
-
-using Bytes = std::vector<std::uint8_t>;
 
 // A change of a drawing changes this number, which must then be the same for every compiler,
 // optimisation and processor.

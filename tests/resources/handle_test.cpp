@@ -12,8 +12,6 @@
 namespace lumora::test {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
-
 constexpr std::uint32_t kPackRequest = 11535868;
 constexpr std::uint32_t kUnsizedRequest = 14685716;
 constexpr std::size_t kGray = 1024 * 1024;

@@ -11,8 +11,6 @@
 namespace lumora::test {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
-
 struct Sizes {
   int srcWidth, srcHeight, dstWidth, dstHeight;
 };

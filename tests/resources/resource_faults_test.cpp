@@ -14,7 +14,6 @@
 namespace lumora::test {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
 using Messages = std::vector<std::string>;
 
 constexpr const char* kCannotOpen = "[%s] \ninput for mixIm.dat is invalid!";

@@ -33,7 +33,7 @@ FilterImage TestPicture::image() const {
           static_cast<std::int32_t>(view_.strideBytes)};
 }
 
-bool TestPicture::keepsBorders(const std::vector<std::uint8_t>& before, bool alphaToo) const {
+bool TestPicture::keepsBorders(const Bytes& before, bool alphaToo) const {
   const std::ptrdiff_t rowBytes = std::ptrdiff_t{view_.widthPixels} * (view_.isRgba() ? 4 : 1);
   for (std::size_t i = 0; i < bytes(); ++i) {
     const std::ptrdiff_t column = static_cast<std::ptrdiff_t>(i) % view_.strideBytes;
@@ -43,11 +43,11 @@ bool TestPicture::keepsBorders(const std::vector<std::uint8_t>& before, bool alp
   return buffer_.isIntact();
 }
 
-bool TestPicture::equals(const std::vector<std::uint8_t>& other) const {
+bool TestPicture::equals(const Bytes& other) const {
   return other.size() == bytes() && std::memcmp(other.data(), data(), bytes()) == 0;
 }
 
-std::string TestPicture::difference(const std::vector<std::uint8_t>& expected) const {
+std::string TestPicture::difference(const Bytes& expected) const {
   const auto found = std::mismatch(expected.begin(), expected.end(), data());
   if (found.first == expected.end()) return "none";
   const auto offset = found.first - expected.begin();
@@ -58,7 +58,7 @@ std::string TestPicture::difference(const std::vector<std::uint8_t>& expected) c
   return text.str();
 }
 
-void TestPicture::assign(const std::vector<std::uint8_t>& bytes) {
+void TestPicture::assign(const Bytes& bytes) {
   std::copy(bytes.begin(), bytes.end(), data());
 }
 

@@ -12,6 +12,15 @@
 
 namespace lumora::test {
 
+using Bytes = std::vector<std::uint8_t>;
+
+// The large matrices run with fewer cases under emulation, sanitizers and valgrind.
+#ifdef LUMORA_REDUCED_TESTS
+inline constexpr bool kReduced = true;
+#else
+inline constexpr bool kReduced = false;
+#endif
+
 inline constexpr PixelFormat kFormats[] = {PixelFormat::kRgba, PixelFormat::kNv21,
                                            PixelFormat::kNv12};
 
@@ -43,13 +52,13 @@ class TestPicture {
   FilterImage image() const;
   std::uint8_t* data() const { return view_.data; }
   std::size_t bytes() const { return buffer_.size(); }
-  std::vector<std::uint8_t> snapshot() const { return {data(), data() + bytes()}; }
+  Bytes snapshot() const { return {data(), data() + bytes()}; }
   // Nothing beside the picture, in its padding or (RGBA, where asked for) in its alpha has changed.
-  bool keepsBorders(const std::vector<std::uint8_t>& before, bool alphaToo = true) const;
-  bool equals(const std::vector<std::uint8_t>& other) const;
+  bool keepsBorders(const Bytes& before, bool alphaToo = true) const;
+  bool equals(const Bytes& other) const;
   // The first byte that differs, for messages.
-  std::string difference(const std::vector<std::uint8_t>& expected) const;
-  void assign(const std::vector<std::uint8_t>& bytes);
+  std::string difference(const Bytes& expected) const;
+  void assign(const Bytes& bytes);
   // Every pixel this colour (RGBA), or these luma and chroma bytes (NV).
   void fill(std::uint8_t a, std::uint8_t b, std::uint8_t c, std::uint8_t alpha = 255);
 

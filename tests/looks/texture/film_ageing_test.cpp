@@ -11,8 +11,6 @@
 namespace lumora::test {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
-
 constexpr long kSeed = 424242;
 
 struct Mark {

@@ -18,8 +18,6 @@ constexpr int kNvSamples = 6;
 #endif
 constexpr int kRatios[] = {8, 16, 17, 24, 32};
 
-using Bytes = std::vector<std::uint8_t>;
-
 Bytes noise(std::size_t count, std::uint32_t seed) {
   Bytes bytes(count);
   Noise source(seed);
