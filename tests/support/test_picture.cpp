@@ -58,9 +58,7 @@ std::string TestPicture::difference(const Bytes& expected) const {
   return text.str();
 }
 
-void TestPicture::assign(const Bytes& bytes) {
-  std::copy(bytes.begin(), bytes.end(), data());
-}
+void TestPicture::assign(const Bytes& bytes) { std::copy(bytes.begin(), bytes.end(), data()); }
 
 void TestPicture::fill(std::uint8_t a, std::uint8_t b, std::uint8_t c, std::uint8_t alpha) {
   for (int y = 0; y < view_.heightRows; ++y) {
