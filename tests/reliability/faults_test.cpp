@@ -14,13 +14,8 @@ namespace lumora::test {
 namespace {
 
 constexpr PixelSize kPicture = {94, 90};
+constexpr std::size_t kExtraStride = 3;
 constexpr int kWeakStrength = 5;  // below 16 the copy and the blend can fail too
-
-#if defined(LUMORA_REDUCED_TESTS)
-constexpr bool kReduced = true;
-#else
-constexpr bool kReduced = false;
-#endif
 
 int threadsOfThisProcess() {
   const std::filesystem::directory_iterator tasks("/proc/self/task");
@@ -82,7 +77,7 @@ class Faults : public testing::TestWithParam<TexturePath> {
     call.strength = strength;
     marks_.restore();
     allocator_.clearRequests();
-    TestPicture picture(call.format, kPicture.width, kPicture.height, 3);
+    TestPicture picture(call.format, kPicture.width, kPicture.height, kExtraStride);
     const CapturedLog log;
     const std::uint32_t status = run(call, handle_.get(), picture.image());
     EXPECT_TRUE(picture.keepsBorders(untouched(call.format), keepsAlpha(call.mode)));
@@ -90,8 +85,13 @@ class Faults : public testing::TestWithParam<TexturePath> {
     EXPECT_TRUE(threadsReturnTo(threads_));
     return {status, picture.snapshot(), log.errors()};
   }
+  // With the starts of the mask failing.
+  Outcome outcomeOf(const ModeCall& call, int strength, std::uint64_t faults) {
+    const ThreadFaults injected(faults);
+    return outcomeOf(call, strength);
+  }
   static Bytes untouched(PixelFormat format) {
-    return TestPicture(format, kPicture.width, kPicture.height, 3).snapshot();
+    return TestPicture(format, kPicture.width, kPicture.height, kExtraStride).snapshot();
   }
 
   void expectGood(const ModeCall& call, const Outcome& good) {
@@ -141,25 +141,21 @@ bool isMixOf(const Bytes& bytes, const Bytes& a, const Bytes& b, const Bytes& c)
   return true;
 }
 
+int fullStrength(const ModeCall& call) { return isLevel(call) ? kWeakStrength : 16; }
+
 TEST_P(Faults, AWorkerThatDoesNotStartIsReportedAndTheOthersJoined) {
   int cases = 0;
   forEachCall(false, [&](const ModeCall& call) {
-    const Outcome full = outcomeOf(call, isLevel(call) ? kWeakStrength : 16);
-    int starts = 0;
-    Outcome good;
-    {
-      const ThreadFaults none(0);
-      good = outcomeOf(call, kWeakStrength);
-      starts = ThreadFaults::startCount();
-    }
+    const Outcome full = outcomeOf(call, fullStrength(call));
+    const Outcome good = outcomeOf(call, kWeakStrength, 0);
+    const int starts = ThreadFaults::startCount();
     ASSERT_GT(starts, 0);
     ASSERT_LT(starts, 63) << "more than the faults can tell apart";
     for (int k = 0; k < starts; ++k) {
       for (const std::uint64_t faults : {std::uint64_t{1} << k, ~std::uint64_t{0} << k}) {
         SCOPED_TRACE(testing::Message() << "start " << k << " of " << starts);
         ++cases;
-        const ThreadFaults injected(faults);
-        const Outcome bad = outcomeOf(call, kWeakStrength);
+        const Outcome bad = outcomeOf(call, kWeakStrength, faults);
         // A glow that lost a worker is left out or has gaps, a mosaic is left out; the step behind
         // them, the curves or the blend, decides.
         const bool lastStepDecides =
@@ -178,6 +174,44 @@ TEST_P(Faults, AWorkerThatDoesNotStartIsReportedAndTheOthersJoined) {
   });
   RecordProperty("cases", cases);
   EXPECT_GT(cases, 0);
+}
+
+// Every worker of the last step has rows of its own: when it is missing they stay as they are when
+// all four are, and the others' rows do not care.
+TEST_P(Faults, AMissingWorkerLeavesOutItsOwnRows) {
+  forEachCall(false, [&](const ModeCall& call) {
+    if (call.mode == LUMORA_MODE_MOSAIC) return;  // without one of its workers there is none of it
+    const int strength = fullStrength(call);
+    const Bytes full = outcomeOf(call, strength, 0).picture;
+    const int lastStep = ThreadFaults::startCount() - kStripeCount;
+    const Bytes none = outcomeOf(call, strength, ~std::uint64_t{0} << lastStep).picture;
+    std::vector<Bytes> lacking;
+    for (int k = 0; k < kStripeCount; ++k) {
+      lacking.push_back(outcomeOf(call, strength, std::uint64_t{1} << (lastStep + k)).picture);
+    }
+    const std::size_t stride =
+        static_cast<std::size_t>(kPicture.width) * (call.format == PixelFormat::kRgba ? 4 : 1) +
+        kExtraStride;
+    int previous = 0;
+    for (std::size_t row = 0; row < full.size(); row += stride) {
+      const auto differs = [&](const Bytes& a, const Bytes& b) {
+        return std::memcmp(a.data() + row, b.data() + row, stride) != 0;
+      };
+      if (!differs(full, none)) continue;
+      const auto isLacking = [&](const Bytes& picture) { return differs(picture, full); };
+      const auto owner = std::find_if(lacking.begin(), lacking.end(), isLacking);
+      ASSERT_EQ(std::count_if(lacking.begin(), lacking.end(), isLacking), 1);
+      ASSERT_FALSE(differs(*owner, none)) << "row " << row / stride;
+      const int k = static_cast<int>(owner - lacking.begin());
+      const bool isFirstOfChroma = row / stride == static_cast<std::size_t>(kPicture.height);
+      ASSERT_TRUE(k >= previous || isFirstOfChroma) << "row " << row / stride;
+      previous = k;
+    }
+    EXPECT_EQ(previous, kStripeCount - 1);
+    if (call.mode == LUMORA_MODE_MEISHIMENGHUAN || call.mode == LUMORA_MODE_LAODIANYING) return;
+    EXPECT_TRUE(none == untouched(call.format));
+    EXPECT_TRUE(outcomeOf(call, strength, 1).picture == untouched(call.format) || lastStep == 0);
+  });
 }
 
 INSTANTIATE_TEST_SUITE_P(Paths, Faults, testing::ValuesIn(kTexturePaths), [](const auto& p) {

@@ -45,6 +45,11 @@ GuardedBuffer::GuardedBuffer(std::size_t bytes, Placement placement, std::size_t
   lock(true);
 }
 
+GuardedBuffer::GuardedBuffer(const std::vector<std::uint8_t>& content)
+    : GuardedBuffer(content.size()) {
+  std::copy(content.begin(), content.end(), data_);
+}
+
 GuardedBuffer::~GuardedBuffer() {
   lock(false);
   munmap(mapping_, mappedBytes_);

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 namespace lumora::test {
 
@@ -17,6 +18,7 @@ class GuardedBuffer {
   // With `gap` canaries between the data and the page that it lies before.
   explicit GuardedBuffer(std::size_t bytes, Placement placement = Placement::kBeforePage,
                          std::size_t gap = 0);
+  explicit GuardedBuffer(const std::vector<std::uint8_t>& content);
   ~GuardedBuffer();
   GuardedBuffer(const GuardedBuffer&) = delete;
   GuardedBuffer& operator=(const GuardedBuffer&) = delete;

@@ -26,6 +26,11 @@ TestPicture::TestPicture(PixelFormat format, int width, int height, int extraStr
   std::generate_n(data(), bytes(), [&] { return noise.byte(); });
 }
 
+TestPicture::TestPicture(const TestPicture& other) : buffer_(other.bytes()), view_(other.view_) {
+  view_.data = buffer_.data();
+  assign(other.snapshot());
+}
+
 FilterImage TestPicture::image() const {
   return {static_cast<std::uint32_t>(view_.format), view_.data,
           static_cast<std::uint32_t>(view_.widthPixels),
@@ -48,14 +53,25 @@ bool TestPicture::equals(const Bytes& other) const {
 }
 
 std::string TestPicture::difference(const Bytes& expected) const {
+  if (!buffer_.isIntact()) return "beside the picture";
   const auto found = std::mismatch(expected.begin(), expected.end(), data());
-  if (found.first == expected.end()) return "none";
+  if (found.first == expected.end()) return kNone;
   const auto offset = found.first - expected.begin();
   std::ostringstream text;
   text << "byte " << offset << " (row " << offset / view_.strideBytes << ", "
        << offset % view_.strideBytes << " bytes in) is " << int{*found.second} << ", expected "
        << int{*found.first};
   return text.str();
+}
+
+std::string TestPicture::difference(const TestPicture& expected) const {
+  return difference(expected.snapshot());
+}
+
+std::string TestPicture::description() const {
+  static constexpr const char* kFormatNames[] = {"", "rgba ", "nv21 ", "nv12 "};
+  return kFormatNames[static_cast<int>(view_.format)] + std::to_string(view_.widthPixels) + " x " +
+         std::to_string(view_.heightRows);
 }
 
 void TestPicture::assign(const Bytes& bytes) { std::copy(bytes.begin(), bytes.end(), data()); }

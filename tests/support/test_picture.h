@@ -21,6 +21,7 @@ inline constexpr bool kReduced = true;
 inline constexpr bool kReduced = false;
 #endif
 
+inline constexpr const char* kNone = "none";
 inline constexpr PixelFormat kFormats[] = {PixelFormat::kRgba, PixelFormat::kNv21,
                                            PixelFormat::kNv12};
 
@@ -47,6 +48,8 @@ class TestPicture {
  public:
   TestPicture(PixelFormat format, int width, int height, int extraStride = 0,
               std::uint32_t seed = 1, Placement placement = Placement::kBeforePage);
+  // The same bytes in memory of its own, before a page.
+  TestPicture(const TestPicture& other);
 
   Picture view() const { return view_; }
   FilterImage image() const;
@@ -56,8 +59,10 @@ class TestPicture {
   // Nothing beside the picture, in its padding or (RGBA, where asked for) in its alpha has changed.
   bool keepsBorders(const Bytes& before, bool alphaToo = true) const;
   bool equals(const Bytes& other) const;
-  // The first byte that differs, for messages.
+  // The first byte that differs, beside the picture too, or kNone.
   std::string difference(const Bytes& expected) const;
+  std::string difference(const TestPicture& expected) const;
+  std::string description() const;  // format and size
   void assign(const Bytes& bytes);
   // Every pixel this colour (RGBA), or these luma and chroma bytes (NV).
   void fill(std::uint8_t a, std::uint8_t b, std::uint8_t c, std::uint8_t alpha = 255);

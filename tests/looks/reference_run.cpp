@@ -1,4 +1,4 @@
-#include "support/reference_look.h"
+#include "looks/reference_run.h"
 
 namespace lumora::test {
 namespace {
@@ -78,21 +78,6 @@ void referenceRun(const Picture& picture, const PixelFunction& function,
       const Means means = meansOf(block, conversion.halfAdds);
       pair[vIndex] = chromaOf(means.red, means.luma, 46, conversion.neutralOut);
       pair[1 - vIndex] = chromaOf(means.blue, means.luma, 36, conversion.neutralOut);
-    }
-  }
-}
-
-void referenceMonochrome(const Picture& picture, const std::function<int(int)>& tone) {
-  if (picture.isRgba()) {
-    return referenceRun(picture, [&](const ReferencePixel& p) {
-      const int grey = tone(p.luma);
-      return Colour{grey, grey, grey};
-    });
-  }
-  for (int y = 0; y < picture.heightRows; ++y) {
-    for (int x = 0; x < picture.widthPixels; ++x) {
-      picture.row(y)[x] = static_cast<std::uint8_t>(tone(picture.row(y)[x]));
-      if (y % 2 == 0) picture.chroma()[y / 2 * picture.strideBytes + x] = 127;
     }
   }
 }

@@ -1,9 +1,10 @@
-#include "looks/texture/texture_reference.h"
+#include "looks/reference_looks.h"
 
 #include <algorithm>
 #include <array>
 #include <cstring>
 
+#include "looks/colour/colour_looks.h"
 #include "looks/texture/texture_looks.h"
 
 namespace lumora::test {
@@ -14,28 +15,53 @@ using Curves = std::array<Knots, 3>;
 constexpr Knots kIdentity{
     {0, 16, 32, 48, 64, 80, 96, 112, 128, 144, 160, 176, 192, 208, 224, 240, 255}};
 
+// Between knots a curve is linear; the step between two is taken modulo 256.
+int curveLookup(const Knots& knots, int x) {
+  const int i = x >> 4, f = x & 15;
+  const int step = (knots.at[i + 1] - knots.at[i]) & 255;
+  return clampByte(knots.at[i] + (((step * f + 8) >> 4) & 255));
+}
+
+// Of 16 parts the weight belongs to the second curve.
+Knots mixedKnots(const Knots& a, const Knots& b, int weight) {
+  Knots out{};
+  for (int j = 0; j < kKnotCount; ++j) {
+    out.at[j] = static_cast<std::uint8_t>(((16 - weight) * a.at[j] + weight * b.at[j] + 8) >> 4);
+  }
+  return out;
+}
+
+Knots rampCurve(const Knots& base, const Knots& strong, int ratio) {
+  return ratio <= 16 ? base : mixedKnots(base, strong, ratio - 16);
+}
+
 bool isStored(const ReferenceTuning& tuning) {
   return tuning.block != nullptr && *tuning.block == 0;
 }
 
-// The curves in use before any ramp. Channels without a curve of their own share the first.
-Curves baseCurves(const Look& look, const ReferenceTuning& tuning) {
+// Channels without a curve of their own share the first.
+const Knots& strongCurve(const Look& look, int channel) {
+  return look.builtIn->strong[std::min(channel, look.builtIn->count - 1)];
+}
+
+// The curves in use before any ramp.
+Curves baseCurves(const Look& look, const ReferenceTuning& tuning, int firstStored = 1) {
   Curves curves;
   for (int c = 0; c < 3; ++c) {
     const int k = std::min(c, look.builtIn->count - 1);
     curves[c] = look.builtIn->plain[k];
     if (!isStored(tuning)) continue;
     ToneCurve stored;
-    std::memcpy(&stored, tuning.block + 1 + 24 * k, sizeof stored);
+    std::memcpy(&stored, tuning.block + firstStored + 24 * k, sizeof stored);
     curves[c] = stored.knots();
   }
   return curves;
 }
 
-Curves rampedCurves(const Look& look, const ReferenceTuning& tuning) {
-  Curves curves = baseCurves(look, tuning);
+Curves rampedCurves(const Look& look, const ReferenceTuning& tuning, int firstStored = 1) {
+  Curves curves = baseCurves(look, tuning, firstStored);
   for (int c = 0; c < 3; ++c) {
-    curves[c] = rampCurve(curves[c], look.builtIn->strong[c], tuning.ratio);
+    curves[c] = rampCurve(curves[c], strongCurve(look, c), tuning.ratio);
   }
   return curves;
 }
@@ -45,7 +71,7 @@ Curves halfRampedCurves(const Look& look, const ReferenceTuning& tuning) {
   Curves curves = baseCurves(look, tuning);
   if (tuning.ratio <= 16 || !isStored(tuning)) return curves;
   for (int c = 0; c < 3; ++c) {
-    const Knots& strong = look.builtIn->strong[std::min(c, look.builtIn->count - 1)];
+    const Knots& strong = strongCurve(look, c);
     for (int j = 0; j < kKnotCount; ++j) {
       const int sum = (48 - tuning.ratio) * curves[c].at[j] + (tuning.ratio - 16) * strong.at[j];
       curves[c].at[j] = static_cast<std::uint8_t>((sum + 16) >> 5);
@@ -57,6 +83,39 @@ Curves halfRampedCurves(const Look& look, const ReferenceTuning& tuning) {
 template <class Channel>
 Colour eachChannel(const Colour& c, Channel channel) {
   return {channel(0, c.r), channel(1, c.g), channel(2, c.b)};
+}
+
+// The looks without a texture
+
+Colour toLuma(const ReferencePixel& p) { return {p.luma, p.luma, p.luma}; }
+Colour toColour(const ReferencePixel& p) { return p.colour; }
+
+int mixedChannel(int sum) { return std::min(255, (std::max(0, sum) + 64) >> 7); }
+Colour toMixedChannels(const ReferencePixel& p) {
+  const Colour& c = p.colour;
+  return {mixedChannel(148 * c.r + c.b - 12 * c.g), mixedChannel(37 * c.r + 115 * c.g - 13 * c.b),
+          mixedChannel(47 * c.r + 18 * c.g + 70 * c.b)};
+}
+
+PixelFunction throughCurves(const Curves& curves, Colour (*before)(const ReferencePixel&)) {
+  return [=](const ReferencePixel& p) {
+    return eachChannel(before(p), [&](int c, int v) { return curveLookup(curves[c], v); });
+  };
+}
+
+template <const Look& (*kLook)(), Colour (*kBefore)(const ReferencePixel&) = toColour>
+PixelFunction curves(const ReferenceTuning& tuning) {
+  return throughCurves(rampedCurves(kLook(), tuning), kBefore);
+}
+
+// The glow's curve stage: two bytes that are not read come before its stored curves, and below the
+// plain strength the curves go back to the straight line.
+PixelFunction meishimenghuan(const ReferenceTuning& tuning) {
+  Curves curves = rampedCurves(kMeishimenghuan(), tuning, 3);
+  for (Knots& curve : curves) {
+    if (tuning.ratio < 16) curve = mixedKnots(kIdentity, curve, tuning.ratio);
+  }
+  return throughCurves(curves, toColour);
 }
 
 // A texture value through the texture's own curve, which is the identity up to strength 16.
@@ -257,17 +316,26 @@ constexpr ReferenceConversion kFrom128To128{128, 128};
 
 }  // namespace
 
-const TextureLook kLaodianyingLook{
-    "LAODIANYING", lumora::kLaodianying, {127, 128, true}, laodianying};
-const TextureLook kLianghongLook{"LIANGHONG", lumora::kLianghong, {}, lianghong};
-const TextureLook kYunduanLook{"YUNDUAN", lumora::kYunduan, kTo128, yunduan};
-const TextureLook kEarlybirdLook{"EARLYBIRD", lumora::kEarlybird, kTo128, earlybird};
-const TextureLook kXpro2Look{"XPRO2", lumora::kXpro2, kTo128, xpro2};
-const TextureLook kHudsonLook{"HUDSON", lumora::kHudson, kFrom128To128, hudson};
-const TextureLook kMyfairLook{"MYFAIR", lumora::kMyfair, kFrom128To128, myfair};
-const TextureLook kLofiLook{"LOFI", lumora::kLofi, kFrom128To128, lofi};
+const ReferenceLook kReferenceLooks[16] = {
+    {"HEIBAI", kHeibai, [](const ReferenceTuning&) { return PixelFunction(toLuma); }},
+    {"MORAN", kMoran, curves<kMoran, toLuma>},
+    {"RIXI", kRixi, curves<kRixi>},
+    {"FUGU", kFugu, curves<kFugu>},
+    {"VALENCIA", kValencia, curves<kValencia>},
+    {"NUANYANGYANG", kNuanyangyang, curves<kNuanyangyang>},
+    {"TIANMEIKEREN", kTianmeikeren, curves<kTianmeikeren, toMixedChannels>},
+    {"MEISHIMENGHUAN", kMeishimenghuan, meishimenghuan},
+    {"LAODIANYING", kLaodianying, laodianying, {127, 128, true}},
+    {"LIANGHONG", kLianghong, lianghong},
+    {"YUNDUAN", kYunduan, yunduan, kTo128},
+    {"EARLYBIRD", kEarlybird, earlybird, kTo128},
+    {"XPRO2", kXpro2, xpro2, kTo128},
+    {"HUDSON", kHudson, hudson, kFrom128To128},
+    {"MYFAIR", kMyfair, myfair, kFrom128To128},
+    {"LOFI", kLofi, lofi, kFrom128To128},
+};
 
-void runReference(const TextureLook& look, const Picture& picture, const std::uint8_t* texture,
+void runReference(const ReferenceLook& look, const Picture& picture, const std::uint8_t* texture,
                   const ReferenceTuning& tuning) {
   referenceRun(picture, look.pixelFunction(tuning), look.conversion, texture,
                look.look().textureBytesPerPixel);

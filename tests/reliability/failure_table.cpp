@@ -1,0 +1,95 @@
+#include "reliability/failure_table.h"
+
+#include <cstdio>
+
+#include "support/captured_log.h"
+#include "support/mode_calls.h"
+#include "support/thread_faults.h"
+
+namespace lumora::test {
+namespace {
+
+constexpr PixelSize kPicture = {94, 90};
+
+// In ASCII and on one line.
+std::string quoted(const std::string& message) {
+  std::string text = "\"";
+  for (const char c : message) {
+    char escaped[8];
+    const bool isPrintable = c >= ' ' && c <= '~';
+    std::snprintf(escaped, sizeof escaped, isPrintable ? "%c" : "\\x%02X", c & 255);
+    text += c == '\n' ? "\\n" : escaped;
+  }
+  return text + '"';
+}
+
+std::string outcomeOf(const ModeCall& call, const TestHandle& handle) {
+  const TestPicture picture(call.format, kPicture.width, kPicture.height);
+  const CapturedLog log;
+  std::string text = std::to_string(run(call, handle.get(), picture.image()));
+  for (const std::string& error : log.errors()) text += ' ' + quoted(error);
+  return text;
+}
+
+// Faults in a row that end alike share a line.
+class Outcomes {
+ public:
+  void add(const char* fault, int n, const std::string& outcome) {
+    if (groups_.empty() || groups_.back().outcome != outcome) groups_.push_back({fault, outcome});
+    groups_.back().faults += ' ' + std::to_string(n);
+  }
+  void appendTo(std::vector<std::string>& table) const {
+    for (const Group& g : groups_) table.push_back("  " + g.faults + ": " + g.outcome);
+  }
+
+ private:
+  struct Group {
+    std::string faults, outcome;
+  };
+  std::vector<Group> groups_;
+};
+
+void addCall(const ModeCall& call, const TestHandle& handle, TestAllocator& allocator,
+             std::vector<std::string>& table) {
+  allocator.clearRequests();
+  const ThreadFaults none(0);
+  std::string line = modeName(call) + ' ' + pathName(call.path) +
+                     (call.onCaller ? ", one thread, " : ", four threads, ") +
+                     outcomeOf(call, handle) + ", requests";
+  const int starts = ThreadFaults::startCount();
+  const std::vector<std::uint32_t> requests = allocator.requests();
+  for (const std::uint32_t bytes : requests) line += ' ' + std::to_string(bytes);
+  table.push_back(line);
+  Outcomes outcomes;
+  for (int n = 1; n <= static_cast<int>(requests.size()); ++n) {
+    allocator.failAt(n);
+    outcomes.add("request", n, outcomeOf(call, handle));
+  }
+  for (int n = 1; n <= starts; ++n) {
+    const ThreadFaults fault(std::uint64_t{1} << (n - 1));
+    outcomes.add("worker", n, outcomeOf(call, handle));
+  }
+  outcomes.appendTo(table);
+}
+
+}  // namespace
+
+std::vector<std::string> failureTable() {
+  TestAllocator allocator;
+  std::vector<std::string> table;
+  for (const TexturePath path : {TexturePath::kPrepared, TexturePath::kOtherSize}) {
+    const TestHandle handle(allocator, handleLayout(path, kPicture));
+    for (ModeCall call : allModeCalls()) {
+      if (path != TexturePath::kPrepared && !usesTexturePlanes(call.mode)) continue;
+      call.path = path;
+      call.strength = 5;  // below 16 the copy and the blend can fail too
+      for (const bool onCaller : {false, true}) {
+        call.onCaller = onCaller;
+        addCall(call, handle, allocator, table);
+      }
+    }
+  }
+  return table;
+}
+
+}  // namespace lumora::test
