@@ -11,25 +11,23 @@
 namespace lumora::test {
 namespace {
 
-struct DesignedRow {
-  int row;
-  double input, back1, back2, back3;
-};
-
 TEST(GaussianCoefficients, HaveTheDesignedValues) {
-  const DesignedRow rows[] = {
+  constexpr struct {
+    int row;
+    float input, back1, back2, back3;
+  } kDesigned[] = {
       {0, 1, 0, 0, 0},
-      {50, 0.600001, 0.480779, -0.087722, 0.006942},
-      {100, 0.382527, 0.856059, -0.273452, 0.034866},
-      {200, 0.177374, 1.390876, -0.696591, 0.128341},
-      {500, 0.020765, 2.290633, -1.785096, 0.473698},
+      {50, 0.600001f, 0.480779f, -0.087722f, 0.006942f},
+      {100, 0.382527f, 0.856059f, -0.273452f, 0.034866f},
+      {200, 0.177374f, 1.390876f, -0.696591f, 0.128341f},
+      {500, 0.020765f, 2.290633f, -1.785096f, 0.473698f},
   };
-  for (const DesignedRow& r : rows) {
+  for (const auto& r : kDesigned) {
     const GaussianCoefficients k = gaussianCoefficients(r.row);
-    EXPECT_NEAR(k.input, r.input, 5.1e-7) << r.row;
-    EXPECT_NEAR(k.back1, r.back1, 5.1e-7) << r.row;
-    EXPECT_NEAR(k.back2, r.back2, 5.1e-7) << r.row;
-    EXPECT_NEAR(k.back3, r.back3, 5.1e-7) << r.row;
+    EXPECT_NEAR(k.input, r.input, 6e-7) << r.row;
+    EXPECT_NEAR(k.back1, r.back1, 6e-7) << r.row;
+    EXPECT_NEAR(k.back2, r.back2, 6e-7) << r.row;
+    EXPECT_NEAR(k.back3, r.back3, 6e-7) << r.row;
   }
 }
 
@@ -44,14 +42,10 @@ TEST(GaussianCoefficients, SumToOneAndChangeWithoutJumps) {
 }
 
 TEST(GaussianCoefficients, RowsAreHundredthsOfSigma) {
-  EXPECT_EQ(gaussianRow(0), 0);
-  EXPECT_EQ(gaussianRow(0.0099f), 0);
-  EXPECT_EQ(gaussianRow(0.5f), 50);
-  EXPECT_EQ(gaussianRow(-0.5f), 50);
-  EXPECT_EQ(gaussianRow(4.5689f), 456);
-  EXPECT_EQ(gaussianRow(14.899f), 1489);
-  EXPECT_EQ(gaussianRow(14.9f), 1489);
-  EXPECT_EQ(gaussianRow(1e30f), 1489);
+  const std::pair<float, int> rows[] = {{0.0f, 0},     {0.0099f, 0},   {0.5f, 50},
+                                        {-0.5f, 50},   {4.5689f, 456}, {14.899f, 1489},
+                                        {14.9f, 1489}, {1e30f, 1489}};
+  for (const auto& [sigma, row] : rows) EXPECT_EQ(gaussianRow(sigma), row) << sigma;
 }
 
 Planes smoothed(Planes in, float sigma) {
@@ -62,56 +56,45 @@ Planes smoothed(Planes in, float sigma) {
   return out;
 }
 
-class GaussianAtLevel : public testing::TestWithParam<int> {
- protected:
-  ForcedLevel level_{GetParam()};
-};
+void expectPlainRecursion(const Planes& in, float sigma) {
+  const Planes expected = referenceGaussian(in, gaussianRow(sigma));
+  for (const int level : supportedLevels()) {
+    const ForcedLevel forced(level);
+    std::feclearexcept(FE_UNDERFLOW);
+    EXPECT_EQ(smoothed(in, sigma).bytes, expected.bytes)
+        << in.width << " x " << in.height << ", sigma " << sigma << ", level " << level;
+    EXPECT_EQ(std::fetestexcept(FE_UNDERFLOW), 0) << sigma;
+  }
+}
 
-INSTANTIATE_TEST_SUITE_P(Levels, GaussianAtLevel, testing::ValuesIn(supportedLevels()));
-
-TEST_P(GaussianAtLevel, SmoothsLikeThePlainRecursion) {
-#ifdef LUMORA_REDUCED_TESTS
-  const std::pair<int, int> sizes[] = {{64, 64}, {67, 101}};
-#else
-  const std::pair<int, int> sizes[] = {{64, 64}, {65, 64},  {64, 65},   {67, 101},
-                                       {96, 70}, {129, 77}, {191, 128}, {250, 193}};
-#endif
+TEST(Gaussian, SmoothsLikeThePlainRecursion) {
+  const std::pair<int, int> sizes[] = {{67, 101}, {64, 64},  {65, 64},   {64, 65},
+                                       {96, 70},  {129, 77}, {191, 128}, {250, 193}};
   for (const auto& [width, height] : sizes) {
     const Planes in = noisePlanes(width, height, 21);
     for (const float sigma : {0.0f, 0.013f, 0.4f, 1.0f, 1.999f, 3.3f, 4.57f, 9.0f, 20.0f}) {
-      EXPECT_EQ(smoothed(in, sigma).bytes, referenceGaussian(in, gaussianRow(sigma)).bytes)
-          << width << " x " << height << ", sigma " << sigma;
+      expectPlainRecursion(in, sigma);
     }
+    if (kReduced && width == 64) break;
   }
 }
 
 // A few bright spots on black: the runs fade over hundreds of samples. No result on the way is a
 // denormal number, which some processors would flush to zero.
-TEST_P(GaussianAtLevel, FadesToBlackLikeThePlainRecursion) {
+TEST(Gaussian, FadesToBlackLikeThePlainRecursion) {
   Planes in(400, 320);
   for (const auto& [x, y] : {std::pair{3, 5}, {200, 160}, {399, 319}}) {
     for (int channel = 0; channel < kChannelCount; ++channel) in.at(channel, x, y) = 255;
   }
-  for (const float sigma : {0.05f, 0.6f, 2.5f, 4.57f, 14.0f}) {
-    std::feclearexcept(FE_UNDERFLOW);
-    const Planes out = smoothed(in, sigma);
-    EXPECT_EQ(std::fetestexcept(FE_UNDERFLOW), 0) << sigma;
-    EXPECT_EQ(out.bytes, referenceGaussian(in, gaussianRow(sigma)).bytes) << sigma;
-  }
+  for (const float sigma : {0.05f, 0.6f, 2.5f, 4.57f, 14.0f}) expectPlainRecursion(in, sigma);
 }
 
-TEST_P(GaussianAtLevel, KeepsConstantPlanes) {
-#ifdef LUMORA_REDUCED_TESTS
-  constexpr int kRowStep = 97;
-#else
-  constexpr int kRowStep = 5;
-#endif
+TEST(Gaussian, KeepsConstantPlanes) {
+  constexpr int kRowStep = kReduced ? 97 : 5;
   Planes in(64, 64);
   for (int row = 0; row < kGaussianRows; row += kRowStep) {
-    for (int channel = 0; channel < kChannelCount; ++channel) {
-      const int value = (row / kRowStep * 85 + channel * 127) % 256;
-      std::fill_n(in.view().plane(channel), 64 * 64, static_cast<std::uint8_t>(value));
-    }
+    const auto value = static_cast<std::uint8_t>(row / kRowStep * 85);
+    std::fill(in.bytes.begin(), in.bytes.end(), value);
     EXPECT_EQ(smoothed(in, static_cast<float>(row) / 100 + 0.005f).bytes, in.bytes) << row;
   }
 }

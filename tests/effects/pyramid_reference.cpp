@@ -225,7 +225,7 @@ void referenceGrow(const Planes& small, int levels, const Picture& picture, cons
   (picture.isRgba() ? mixRgba : mixNv)(level, picture, mask, weight);
 }
 
-Bytes referenceCircle(int width, int height, const BlurParam& circle) {
+Bytes referenceMask(int width, int height, const BlurParam& circle) {
   Bytes mask(static_cast<std::size_t>(width * height), 255);
   const std::int64_t outer = circle.outerRadius, inner = circle.innerRadius;
   const std::int64_t k = outer > inner ? 522240 / (outer - inner) : 0;
@@ -245,7 +245,7 @@ Bytes referenceCircle(int width, int height, const BlurParam& circle) {
   return mask;
 }
 
-Bytes referenceBand(int width, int height, const TiltShiftParam& t) {
+Bytes referenceMask(int width, int height, const TiltShiftParam& t) {
   Bytes mask(static_cast<std::size_t>(width * height), 255);
   const double dx = std::abs(double{1} * t.x1 - t.x2), dy = std::abs(double{1} * t.y1 - t.y2);
   const bool beside = std::max(t.x1, t.x2) < 0 || std::min(t.x1, t.x2) >= width - 1;

@@ -37,8 +37,8 @@ Planes referenceGaussian(const Planes& in, int row);
 void referenceGrow(const Planes& small, int levels, const Picture& picture, const Bytes& mask,
                    int weight);
 
-Bytes referenceCircle(int width, int height, const BlurParam& circle);
-Bytes referenceBand(int width, int height, const TiltShiftParam& tilt);
+Bytes referenceMask(int width, int height, const BlurParam& circle);
+Bytes referenceMask(int width, int height, const TiltShiftParam& tilt);
 
 // Blur and tilt-shift from the mask on, at a blur level of 1 or more.
 void referenceFocus(const Picture& picture, const Bytes& mask, int blurLevel);

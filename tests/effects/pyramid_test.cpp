@@ -6,19 +6,10 @@
 #include "effects/pyramid_memory.h"
 #include "effects/pyramid_reference.h"
 #include "effects/up_scale.h"
-#include "support/captured_log.h"
-#include "support/thread_faults.h"
+#include "support/everywhere.h"
 
 namespace lumora::test {
 namespace {
-
-constexpr Threads kThreads[] = {Threads::kCaller, Threads::kFour};
-
-#ifdef LUMORA_REDUCED_TESTS
-constexpr int kSizeStep = 17;
-#else
-constexpr int kSizeStep = 3;
-#endif
 
 struct PictureSize {
   PixelFormat format;
@@ -30,7 +21,7 @@ struct PictureSize {
 std::vector<PictureSize> pictureSizes() {
   std::vector<PictureSize> sizes;
   int levels = 1;
-  for (int width = 88; width <= 140; width += kSizeStep) {
+  for (int width = 88; width <= 140; width += (kReduced ? 17 : 3)) {
     for (const int height : {88, 89, 91, 103, 121, 128, 139}) {
       sizes.push_back({PixelFormat::kRgba, width, height, levels});
       sizes.push_back({PixelFormat::kNv12, width & ~1, height & ~1, levels});
@@ -42,25 +33,18 @@ std::vector<PictureSize> pictureSizes() {
   return sizes;
 }
 
-class PyramidAtLevel : public testing::TestWithParam<int> {
- protected:
-  ForcedLevel level_{GetParam()};
-};
-
-INSTANTIATE_TEST_SUITE_P(Levels, PyramidAtLevel, testing::ValuesIn(supportedLevels()));
-
-TEST_P(PyramidAtLevel, ReducesLikeThePlainSteps) {
+TEST(Pyramid, ReducesLikeThePlainSteps) {
   for (const PictureSize& size : pictureSizes()) {
     const TestPicture picture(size.format, size.width, size.height, 5);
     const Planes expected = referenceReduce(picture.view(), size.levels);
-    for (const Threads threads : kThreads) {
+    expectEverywhere(picture, picture, [&](const Picture& copy, Threads threads) {
       Bytes block(3 * static_cast<std::size_t>(size.width) * size.height);
-      const PyramidMemory memory(picture.view(), size.levels, block.data());
-      ASSERT_EQ(DownSample(picture.view(), size.levels, memory.reduced, memory.rows, threads),
-                Status::kOk);
-      ASSERT_TRUE(std::equal(expected.bytes.begin(), expected.bytes.end(), memory.reduced.data))
-          << size.width << " x " << size.height << ", level " << size.levels;
-    }
+      const PyramidMemory memory(copy, size.levels, block.data());
+      const Status status = DownSample(copy, size.levels, memory.reduced, memory.rows, threads);
+      EXPECT_TRUE(std::equal(expected.bytes.begin(), expected.bytes.end(), memory.reduced.data))
+          << picture.description() << ", level " << size.levels;
+      return status;
+    });
   }
 }
 
@@ -75,50 +59,21 @@ Bytes mixedMask(int width, int height) {
   return mask;
 }
 
-TEST_P(PyramidAtLevel, GrowsLikeThePlainSteps) {
+TEST(Pyramid, GrowsLikeThePlainSteps) {
   for (const PictureSize& size : pictureSizes()) {
-    const TestPicture original(size.format, size.width, size.height, 3);
+    const TestPicture picture(size.format, size.width, size.height, 3);
     const Planes small =
         noisePlanes(levelExtent(size.width, size.levels), levelExtent(size.height, size.levels), 9);
     for (const Bytes& mask : {mixedMask(size.width, size.height), Bytes()}) {
-      TestPicture expected(size.format, size.width, size.height, 3);
+      const TestPicture expected(picture);
       referenceGrow(small, size.levels, expected.view(), mask, 19);
-      for (const Threads threads : kThreads) {
-        TestPicture picture(size.format, size.width, size.height, 3);
+      expectEverywhere(picture, expected, [&](const Picture& copy, Threads threads) {
         Bytes block(3 * static_cast<std::size_t>(size.width) * size.height);
-        const PyramidMemory memory(picture.view(), size.levels, block.data());
+        const PyramidMemory memory(copy, size.levels, block.data());
         std::copy(small.bytes.begin(), small.bytes.end(), memory.smoothed.data);
         const Mix mix{mask.empty() ? nullptr : mask.data(), 19};
-        ASSERT_EQ(
-            ImUpScale(memory.smoothed, size.levels, picture.view(), mix, memory.rows, threads),
-            Status::kOk);
-        ASSERT_TRUE(picture.equals(expected.snapshot()))
-            << size.width << " x " << size.height << ", level " << size.levels << ": "
-            << picture.difference(expected.snapshot());
-      }
-    }
-  }
-}
-
-TEST_P(PyramidAtLevel, MasksOfOneEndTakeOnePictureWhole) {
-  for (const PixelFormat format : kFormats) {
-    TestPicture picture(format, 98, 90);
-    const Bytes before = picture.snapshot();
-    Bytes block(3 * 98 * 90);
-    const PyramidMemory memory(picture.view(), 1, block.data());
-    std::fill_n(memory.smoothed.data, memory.smoothed.bytes(), std::uint8_t{200});
-    Bytes mask(98 * 90, 0);
-    const auto grow = [&] {
-      return ImUpScale(memory.smoothed, 1, picture.view(), {mask.data(), 0}, memory.rows,
-                       Threads::kCaller);
-    };
-    ASSERT_EQ(grow(), Status::kOk);
-    EXPECT_TRUE(picture.equals(before)) << picture.difference(before);
-    std::fill(mask.begin(), mask.end(), std::uint8_t{255});
-    ASSERT_EQ(grow(), Status::kOk);
-    for (std::size_t i = 0; i < before.size(); ++i) {
-      const bool isAlpha = format == PixelFormat::kRgba && i % 4 == 3;
-      ASSERT_EQ(picture.data()[i], isAlpha ? before[i] : 200) << "byte " << i;
+        return ImUpScale(memory.smoothed, size.levels, copy, mix, memory.rows, threads);
+      });
     }
   }
 }
@@ -148,27 +103,6 @@ TEST(Pyramid, BinomialBlurMirrorsAtTheEdges) {
     EXPECT_EQ(out.bytes, referenceBlur3x3(in).bytes);
     EXPECT_EQ(out.at(1, 0, 0),
               4 * (in.at(1, 0, 0) + in.at(1, 1, 0) + in.at(1, 0, 1) + in.at(1, 1, 1)) >> 4);
-  }
-}
-
-struct FormatMessage {
-  PixelFormat format;
-  const char* message;
-};
-
-TEST(Pyramid, ReportsWorkersOfTheReductionThatDoNotStart) {
-  for (const FormatMessage& c :
-       {FormatMessage{PixelFormat::kRgba, "[%s] DownSampleRGBA2RGB_multiThread failed!\n"},
-        {PixelFormat::kNv21, "[%s] DownSampleNV21_NV12_firstLevel_multiThread failed!\n"}}) {
-    const TestPicture picture(c.format, 96, 88);
-    Bytes block(3 * 96 * 88);
-    const PyramidMemory memory(picture.view(), 2, block.data());
-    const CapturedLog log;
-    const ThreadFaults faults(0b0100);
-    EXPECT_EQ(DownSample(picture.view(), 2, memory.reduced, memory.rows, Threads::kFour),
-              Status::kThreadFailed);
-    EXPECT_EQ(log.errors(),
-              (std::vector<std::string>{kThreadFailure, "[%s]  Error threadID = %d!", c.message}));
   }
 }
 

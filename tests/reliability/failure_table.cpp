@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "platform/log.h"
 #include "support/captured_log.h"
 #include "support/mode_calls.h"
 #include "support/thread_faults.h"
@@ -23,11 +24,16 @@ std::string quoted(const std::string& message) {
   return text + '"';
 }
 
+// The status and the messages, without the numbers of workers.
 std::string outcomeOf(const ModeCall& call, const TestHandle& handle) {
   const TestPicture picture(call.format, kPicture.width, kPicture.height);
   const CapturedLog log;
   std::string text = std::to_string(run(call, handle.get(), picture.image()));
-  for (const std::string& error : log.errors()) text += ' ' + quoted(error);
+  for (const CapturedLog::Line& line : log.lines()) {
+    if (line.priority != kLogError) continue;
+    const bool isNumbered = line.format.find("threadID") != std::string::npos;
+    text += ' ' + quoted(isNumbered ? line.format : line.text);
+  }
   return text;
 }
 
