@@ -59,8 +59,8 @@ void addCall(const ModeCall& call, const TestHandle& handle, TestAllocator& allo
              std::vector<std::string>& table) {
   allocator.clearRequests();
   const ThreadFaults none(0);
-  std::string line = modeName(call) + ' ' + pathName(call.path) +
-                     (call.onCaller ? ", one thread, " : ", four threads, ") +
+  std::string line = modeName(call) + (call.variant > 0 ? " otherwise " : " ") +
+                     pathName(call.path) + (call.onCaller ? ", one thread, " : ", four threads, ") +
                      outcomeOf(call, handle) + ", requests";
   const int starts = ThreadFaults::startCount();
   const std::vector<std::uint32_t> requests = allocator.requests();
@@ -89,9 +89,11 @@ std::vector<std::string> failureTable() {
       if (path != TexturePath::kPrepared && !usesTexturePlanes(call.mode)) continue;
       call.path = path;
       call.strength = 5;  // below 16 the copy and the blend can fail too
-      for (const bool onCaller : {false, true}) {
-        call.onCaller = onCaller;
-        addCall(call, handle, allocator, table);
+      for (call.variant = 0; call.variant < variantsOf(call.mode); ++call.variant) {
+        for (const bool onCaller : {false, true}) {
+          call.onCaller = onCaller;
+          addCall(call, handle, allocator, table);
+        }
       }
     }
   }
