@@ -6,8 +6,7 @@
 
 #include "pipeline/mode_table.h"
 #include "support/captured_log.h"
-#include "support/test_handle.h"
-#include "support/thread_faults.h"
+#include "support/mode_calls.h"
 
 namespace lumora::test {
 namespace {
@@ -267,54 +266,39 @@ TEST(Strength, IsRewrittenAndDecidesAboutTheCopy) {
   }
 }
 
-// The blended result is the mix of the full look and the untouched picture; both thread counts and
-// both calls give the same bytes.
-TEST(Strength, BlendsTheLookWithTheUntouchedPicture) {
-  TestAllocator allocator;
-  const TestHandle handle(allocator, {});
-  for (const PixelFormat format : kFormats) {
-    for (const int strength : {0, 5, 15}) {
-      TestPicture full(format, 90, 88, 9), weak(format, 90, 88, 9), single(format, 90, 88, 9);
-      const auto untouched = full.snapshot();
-      HostCall fullCall(handle, full.image(), 2);
-      HostCall weakCall(handle, weak.image(), 2, strength);
-      HostCall singleCall(handle, single.image(), 2, strength);
-      singleCall.param().singleThread = 1;
-      ASSERT_EQ(fullCall.process(), 0u);
-      ASSERT_EQ(weakCall.process(), 0u);
-      ASSERT_EQ(singleCall.processForAlbum(), 0u);
-      const int weight = strength / 2 + 8;
-      auto expected = untouched;
-      for (std::size_t i = 0; i < expected.size(); ++i) {
-        expected[i] = static_cast<std::uint8_t>(
-            (untouched[i] * (16 - weight) + full.data()[i] * weight + 8) >> 4);
-      }
-      EXPECT_TRUE(weak.equals(expected)) << weak.difference(expected);
-      EXPECT_TRUE(single.equals(expected)) << single.difference(expected);
-    }
-  }
+// These weaken their own steps, and the film's marks lie elsewhere in every call.
+bool isBlended(std::uint32_t mode) {
+  return mode <= LUMORA_MODE_MOSAIC && mode != LUMORA_MODE_MEISHIMENGHUAN &&
+         mode != LUMORA_MODE_LAODIANYING;
 }
 
-struct CopyFailure {
-  PixelFormat format;
-  const char* message;
-};
-
-TEST(Memory, AFailedCopyLeavesThePictureAlone) {
+// The blended result is the mix of the full one and the untouched picture; through the album call
+// and on one thread as well.
+TEST(Strength, BlendsTheLookWithTheUntouchedPicture) {
   TestAllocator allocator;
-  const TestHandle handle(allocator, {});
-  const CopyFailure cases[] = {{PixelFormat::kRgba, "[%s] can't malloc enough memory\n"},
-                               {PixelFormat::kNv21, "[%s] Mem malloc error!\n"},
-                               {PixelFormat::kNv12, "[%s] can't malloc enough memory\n"}};
-  for (const CopyFailure& c : cases) {
-    TestPicture picture(c.format, 88, 88);
-    const auto before = picture.snapshot();
-    const CapturedLog log;
-    allocator.failAt(1);
-    HostCall call(handle, picture.image(), 12, 0);
-    EXPECT_EQ(call.process(), 512u);
-    EXPECT_EQ(log.errors(), Texts{c.message});
-    EXPECT_TRUE(picture.equals(before));
+  const TestHandle handle(allocator, handleLayout(TexturePath::kPrepared, {90, 88}));
+  for (ModeCall call : allModeCalls()) {
+    if (!isBlended(call.mode)) continue;
+    for (const int strength : {0, 5, 15}) {
+      SCOPED_TRACE(testing::Message() << modeName(call) << " at " << strength);
+      const TestPicture untouched(call.format, 90, 88, 9), full(untouched), weak(untouched);
+      call.strength = 16;
+      ASSERT_EQ(run(call, handle.get(), full.image()), 0u);
+      call.strength = strength;
+      ASSERT_EQ(run(call, handle.get(), weak.image()), 0u);
+      const int weight = strength / 2 + 8;
+      for (std::size_t i = 0; i < full.bytes(); ++i) {
+        full.data()[i] = static_cast<std::uint8_t>(
+            (untouched.data()[i] * (16 - weight) + full.data()[i] * weight + 8) >> 4);
+      }
+      EXPECT_EQ(weak.difference(full), kNone);
+      const TestPicture single(untouched);
+      FilterAlbumParam param = paramFor(call, {90, 88});
+      param.stProcess.singleThread = 1;
+      const FilterImage image = single.image();
+      ASSERT_EQ(filterProcess_for_album(handle.get(), &image, &param), 0u);
+      EXPECT_EQ(single.difference(full), kNone);
+    }
   }
 }
 
@@ -329,45 +313,6 @@ TEST(Memory, AByteCountBeyondTheAllocatorsSizeIsExhaustedMemory) {
     }
   }
   EXPECT_TRUE(allocator.requests().empty());
-}
-
-// Each of the look's and the blend's four workers missing in turn.
-TEST(Threads, AMissingWorkerFailsTheCallAfterTheOthersHaveRun) {
-  TestAllocator allocator;
-  const TestHandle handle(allocator, {});
-  for (const PixelFormat format : kFormats) {
-    for (unsigned worker = 0; worker < 8; ++worker) {
-      TestPicture picture(format, 88, 88);
-      const ThreadFaults faults(1u << worker);
-      const CapturedLog log;
-      HostCall call(handle, picture.image(), 12, 0);
-      EXPECT_EQ(call.process(), 4096u);
-      EXPECT_EQ(ThreadFaults::startCount(), 8) << "the blend runs even after a failed look";
-      Texts expected{"[%s] pthread_create error!\n", "[%s]  Error threadID = %d!"};
-      if (worker < 4) {
-        expected.push_back(format == PixelFormat::kRgba ? "[%s] FilterProcessRGBA HEIBAI failed!\n"
-                           : format == PixelFormat::kNv21
-                               ? "[%s] FilterProcessNV21 HEIBAI failed!\n"
-                               : "[%s] FilterProcessNV12 HEIBAI failed!\n");
-      }
-      expected.push_back("[%s] process failed!\n");
-      EXPECT_EQ(log.errors(), expected);
-      EXPECT_EQ(allocator.liveBlocks(), 1);
-    }
-  }
-}
-
-TEST(Threads, TheCallingThreadAloneStartsNone) {
-  TestAllocator allocator;
-  const TestHandle handle(allocator, {});
-  const ThreadFaults faults(0);
-  for (const PixelFormat format : kFormats) {
-    TestPicture picture(format, 88, 88);
-    HostCall call(handle, picture.image(), 2, 3);
-    call.param().singleThread = -1;
-    EXPECT_EQ(call.process(), 0u);
-  }
-  EXPECT_EQ(ThreadFaults::startCount(), 0);
 }
 
 TEST(StandardOutput, CarriesTwoLinesAroundTheFourThreadedNv12Step) {

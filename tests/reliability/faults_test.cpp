@@ -111,7 +111,8 @@ class Faults : public testing::TestWithParam<TexturePath> {
 TEST_P(Faults, ARequestThatFailsLeavesThePictureAlone) {
   int cases = 0;
   const auto failEveryRequest = [&](const ModeCall& call) {
-    const Outcome good = outcomeOf(call, kWeakStrength);
+    const Outcome good = outcomeOf(call, kWeakStrength, 0);
+    EXPECT_EQ(ThreadFaults::startCount() > 0, !call.onCaller);
     const int requests = static_cast<int>(allocator_.requests().size());
     ASSERT_EQ(good.status, 0u);
     for (int n = 1; n <= requests; ++n, ++cases) {
