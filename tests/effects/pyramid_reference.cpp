@@ -10,21 +10,12 @@ namespace {
 
 int half(int extent) { return (extent + 1) / 2; }
 
-Planes firstLevelOfRgba(const Picture& p) {
-  Planes out(half(p.widthPixels), half(p.heightRows));
+template <class Sample>
+Planes makePlanes(int width, int height, Sample sample) {
+  Planes out(width, height);
   for (int c = 0; c < kChannelCount; ++c) {
-    for (int y = 0; y < out.height; ++y) {
-      for (int x = 0; x < out.width; ++x) {
-        const int right = std::min(2 * x + 1, p.widthPixels - 1);
-        const auto pixel = [&](int column, int row) { return int{p.row(row)[4 * column + c]}; };
-        if (2 * y + 1 < p.heightRows) {
-          out.at(c, x, y) = static_cast<std::uint8_t>(pixel(right, 2 * y));
-        } else {
-          const int sum = pixel(right - 1, 2 * y - 1) + pixel(right, 2 * y - 1) +
-                          pixel(right - 1, 2 * y) + pixel(right, 2 * y);
-          out.at(c, x, y) = static_cast<std::uint8_t>((sum + 2) >> 2);
-        }
-      }
+    for (int y = 0; y < height; ++y) {
+      for (int x = 0; x < width; ++x) out.at(c, x, y) = static_cast<std::uint8_t>(sample(c, x, y));
     }
   }
   return out;
@@ -35,38 +26,34 @@ int meanOfMeans(int a, int b, int c, int d) {
   return (top + bottom + 1) >> 1;
 }
 
+Planes firstLevelOfRgba(const Picture& p) {
+  return makePlanes(half(p.widthPixels), half(p.heightRows), [&](int c, int x, int y) {
+    const int right = std::min(2 * x + 1, p.widthPixels - 1);
+    const auto pixel = [&](int column, int row) { return int{p.row(row)[4 * column + c]}; };
+    if (2 * y + 1 < p.heightRows) return pixel(right, 2 * y);
+    const int sum = pixel(right - 1, 2 * y - 1) + pixel(right, 2 * y - 1) +
+                    pixel(right - 1, 2 * y) + pixel(right, 2 * y);
+    return (sum + 2) >> 2;
+  });
+}
+
 Planes firstLevelOfNv(const Picture& p) {
-  Planes out(p.widthPixels / 2, p.heightRows / 2);
-  for (int y = 0; y < out.height; ++y) {
-    const std::uint8_t* const top = p.row(2 * y);
-    const std::uint8_t* const bottom = p.row(2 * y + 1);
-    const std::uint8_t* const pairs = p.chroma() + y * p.strideBytes;
-    for (int x = 0; x < out.width; ++x) {
-      out.at(0, x, y) = static_cast<std::uint8_t>(
-          meanOfMeans(top[2 * x], top[2 * x + 1], bottom[2 * x], bottom[2 * x + 1]));
-      out.at(1, x, y) = pairs[2 * x];
-      out.at(2, x, y) = pairs[2 * x + 1];
-    }
-  }
-  return out;
+  return makePlanes(p.widthPixels / 2, p.heightRows / 2, [&](int c, int x, int y) {
+    if (c > 0) return int{p.chroma()[y * p.strideBytes + 2 * x + c - 1]};
+    const std::uint8_t *const top = p.row(2 * y) + 2 * x, *const bottom = p.row(2 * y + 1) + 2 * x;
+    return meanOfMeans(top[0], top[1], bottom[0], bottom[1]);
+  });
 }
 
 Planes nextLevel(const Planes& in) {
-  Planes out(half(in.width), half(in.height));
-  for (int c = 0; c < kChannelCount; ++c) {
-    for (int y = 0; y < out.height; ++y) {
-      for (int x = 0; x < out.width; ++x) {
-        const bool inside = 2 * x + 1 < in.width && 2 * y + 1 < in.height;
-        const int right = std::min(2 * x + 1, in.width - 1);
-        const int bottom = std::min(2 * y + 1, in.height - 1);
-        const int a = in.at(c, right - 1, bottom - 1), b = in.at(c, right, bottom - 1);
-        const int d = in.at(c, right - 1, bottom), e = in.at(c, right, bottom);
-        out.at(c, x, y) =
-            static_cast<std::uint8_t>(inside ? meanOfMeans(a, b, d, e) : (a + b + d + e + 2) >> 2);
-      }
-    }
-  }
-  return out;
+  return makePlanes(half(in.width), half(in.height), [&](int c, int x, int y) {
+    const bool inside = 2 * x + 1 < in.width && 2 * y + 1 < in.height;
+    const int right = std::min(2 * x + 1, in.width - 1);
+    const int bottom = std::min(2 * y + 1, in.height - 1);
+    const int a = in.at(c, right - 1, bottom - 1), b = in.at(c, right, bottom - 1);
+    const int d = in.at(c, right - 1, bottom), e = in.at(c, right, bottom);
+    return inside ? meanOfMeans(a, b, d, e) : (a + b + d + e + 2) >> 2;
+  });
 }
 
 // Sample (x, y) of the level that is twice as fine as `in`.
@@ -165,25 +152,19 @@ Planes referenceReduce(const Picture& picture, int levels) {
 }
 
 Planes referenceBlur3x3(const Planes& in) {
-  Planes out(in.width, in.height);
   const auto mirrored = [](int at, int extent) {
     return at < 0 ? 1 : at == extent ? extent - 2 : at;
   };
-  for (int c = 0; c < kChannelCount; ++c) {
-    for (int y = 0; y < in.height; ++y) {
-      for (int x = 0; x < in.width; ++x) {
-        int sum = 0;
-        for (int dy = -1; dy <= 1; ++dy) {
-          for (int dx = -1; dx <= 1; ++dx) {
-            sum += (2 - std::abs(dx)) * (2 - std::abs(dy)) *
-                   in.at(c, mirrored(x + dx, in.width), mirrored(y + dy, in.height));
-          }
-        }
-        out.at(c, x, y) = static_cast<std::uint8_t>(sum >> 4);
+  return makePlanes(in.width, in.height, [&](int c, int x, int y) {
+    int sum = 0;
+    for (int dy = -1; dy <= 1; ++dy) {
+      for (int dx = -1; dx <= 1; ++dx) {
+        sum += (2 - std::abs(dx)) * (2 - std::abs(dy)) *
+               in.at(c, mirrored(x + dx, in.width), mirrored(y + dy, in.height));
       }
     }
-  }
-  return out;
+    return sum >> 4;
+  });
 }
 
 Planes referenceGaussian(const Planes& in, int row) {
@@ -212,15 +193,8 @@ void referenceGrow(const Planes& small, int levels, const Picture& picture, cons
                    int weight) {
   Planes level = small;
   for (int j = levels - 1; j >= 1; --j) {
-    Planes finer(levelExtent(picture.widthPixels, j), levelExtent(picture.heightRows, j));
-    for (int c = 0; c < kChannelCount; ++c) {
-      for (int y = 0; y < finer.height; ++y) {
-        for (int x = 0; x < finer.width; ++x) {
-          finer.at(c, x, y) = static_cast<std::uint8_t>(grownSample(level, c, x, y));
-        }
-      }
-    }
-    level = finer;
+    level = makePlanes(levelExtent(picture.widthPixels, j), levelExtent(picture.heightRows, j),
+                       [&](int c, int x, int y) { return grownSample(level, c, x, y); });
   }
   (picture.isRgba() ? mixRgba : mixNv)(level, picture, mask, weight);
 }

@@ -31,7 +31,7 @@ struct Case {
 
 std::vector<Case> allCases() {
   std::vector<Case> cases;
-  for (const ReferenceLook& look : kReferenceLooks) {
+  for (const ReferenceLook& look : referenceLooks()) {
     for (const int ratio : {8, 16, 17, 24, 32}) {
       for (const bool stored : {false, true}) cases.push_back({&look, ratio, stored});
     }
@@ -115,17 +115,16 @@ TEST(Looks, EqualThePlainFormulasAtEverySize) {
 // Black and white shows the grey of every one of the 2^24 colours, the other look the channel mix.
 TEST(Looks, EqualThePlainFormulasForEveryColour) {
   for (const char* name : {"HEIBAI", "TIANMEIKEREN"}) {
-    const auto* const look =
-        std::find_if(std::begin(kReferenceLooks), std::end(kReferenceLooks),
-                     [&](const auto& l) { return !std::strcmp(l.name, name); });
-    ASSERT_NE(look, std::end(kReferenceLooks)) << name;
+    const auto isIt = [&](const ReferenceLook& l) { return std::strcmp(l.name, name) == 0; };
+    const auto look = std::find_if(referenceLooks().begin(), referenceLooks().end(), isIt);
+    ASSERT_NE(look, referenceLooks().end()) << name;
     for (int blue = 0; blue < 256; blue += kColourStep) {
       TestPicture picture(PixelFormat::kRgba, 256, 256);
       for (int i = 0; i < 65536; ++i) {
         const std::uint8_t pixel[4] = {byte(i), byte(i >> 8), byte(blue), 0};
         std::copy_n(pixel, 4, picture.data() + 4 * i);
       }
-      expectPlainForm({look, 16, false}, picture, Bytes());
+      expectPlainForm({&*look, 16, false}, picture, Bytes());
     }
   }
 }

@@ -314,9 +314,7 @@ PixelFunction myfair(const ReferenceTuning& tuning) {
 constexpr ReferenceConversion kTo128{127, 128};
 constexpr ReferenceConversion kFrom128To128{128, 128};
 
-}  // namespace
-
-const ReferenceLook kReferenceLooks[16] = {
+constexpr ReferenceLook kReferenceLooks[] = {
     {"HEIBAI", kHeibai, [](const ReferenceTuning&) { return PixelFunction(toLuma); }},
     {"MORAN", kMoran, curves<kMoran, toLuma>},
     {"RIXI", kRixi, curves<kRixi>},
@@ -334,6 +332,10 @@ const ReferenceLook kReferenceLooks[16] = {
     {"MYFAIR", kMyfair, myfair, kFrom128To128},
     {"LOFI", kLofi, lofi, kFrom128To128},
 };
+
+}  // namespace
+
+std::span<const ReferenceLook> referenceLooks() { return kReferenceLooks; }
 
 void runReference(const ReferenceLook& look, const Picture& picture, const std::uint8_t* texture,
                   const ReferenceTuning& tuning) {

@@ -1,6 +1,8 @@
 // Every look written plainly, one pixel at a time.
 #pragma once
 
+#include <span>
+
 #include "looks/look.h"
 #include "looks/reference_run.h"
 
@@ -19,7 +21,7 @@ struct ReferenceLook {
   ReferenceConversion conversion = {};
 };
 
-extern const ReferenceLook kReferenceLooks[16];
+std::span<const ReferenceLook> referenceLooks();
 
 // Runs the look's plain form on the picture.
 void runReference(const ReferenceLook& look, const Picture& picture, const std::uint8_t* texture,

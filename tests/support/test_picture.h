@@ -58,7 +58,6 @@ class TestPicture {
   Bytes snapshot() const { return {data(), data() + bytes()}; }
   // Nothing beside the picture, in its padding or (RGBA, where asked for) in its alpha has changed.
   bool keepsBorders(const Bytes& before, bool alphaToo = true) const;
-  bool equals(const Bytes& other) const;
   // The first byte that differs, beside the picture too, or kNone.
   std::string difference(const Bytes& expected) const;
   std::string difference(const TestPicture& expected) const;
