@@ -100,6 +100,7 @@ TEST(Glow, UsesTheHandlesSparePlanesWhereTheyFit) {
   const auto requestsFor = [&](int width, int height) {
     const TestPicture picture(PixelFormat::kRgba, width, height);
     const FilterImage image = picture.image();
+    allocator.clearRequests();
     FilterProcessParam param{};
     param.eMode = LUMORA_MODE_MEISHIMENGHUAN;
     param.effectRatio = 16;
@@ -109,7 +110,8 @@ TEST(Glow, UsesTheHandlesSparePlanesWhereTheyFit) {
   EXPECT_TRUE(requestsFor(96, 88).empty());
   EXPECT_TRUE(std::equal(view.plane(0), view.plane(kScratchPlane), before.begin()));
   EXPECT_TRUE(std::equal(view.plane(13), view.plane(kPlaneCount), before.begin() + 13 * 96 * 88));
-  EXPECT_EQ(requestsFor(88, 96), std::vector<std::uint32_t>{3 * 96 * 88 + 16});
+  EXPECT_EQ(requestsFor(88, 88), std::vector<std::uint32_t>{3 * 88 * 88 + 16});
+  EXPECT_EQ(requestsFor(96, 90), std::vector<std::uint32_t>{3 * 96 * 90 + 16});
 }
 
 }  // namespace
