@@ -78,16 +78,6 @@ TEST(Pyramid, GrowsLikeThePlainSteps) {
   }
 }
 
-TEST(Pyramid, FirstLevelOfRgbaKeepsEverySecondPixel) {
-  const TestPicture picture(PixelFormat::kRgba, 90, 88);
-  Bytes block(3 * 90 * 88);
-  const PyramidMemory memory(picture.view(), 1, block.data());
-  ASSERT_EQ(DownSample(picture.view(), 1, memory.reduced, memory.rows, Threads::kCaller),
-            Status::kOk);
-  EXPECT_EQ(memory.reduced.row(0, 10)[7], picture.view().row(20)[4 * 15]);
-  EXPECT_EQ(memory.reduced.row(2, 43)[44], picture.view().row(86)[4 * 89 + 2]);
-}
-
 TEST(Pyramid, LevelExtentsAreRoundedUp) {
   EXPECT_EQ(levelExtent(1920, 1), 960);
   EXPECT_EQ(levelExtent(1000, 2), 250);

@@ -37,23 +37,13 @@ std::string outcomeOf(const ModeCall& call, const TestHandle& handle) {
   return text;
 }
 
-// Faults in a row that end alike share a line.
-class Outcomes {
- public:
-  void add(const char* fault, int n, const std::string& outcome) {
-    if (groups_.empty() || groups_.back().outcome != outcome) groups_.push_back({fault, outcome});
-    groups_.back().faults += ' ' + std::to_string(n);
-  }
-  void appendTo(std::vector<std::string>& table) const {
-    for (const Group& g : groups_) table.push_back("  " + g.faults + ": " + g.outcome);
-  }
+// Faults in a row that end alike share a line of two parts.
+using Lines = std::vector<std::pair<std::string, std::string>>;
 
- private:
-  struct Group {
-    std::string faults, outcome;
-  };
-  std::vector<Group> groups_;
-};
+void addOutcome(Lines& lines, const char* fault, int n, const std::string& outcome) {
+  if (lines.empty() || lines.back().second != outcome) lines.emplace_back(fault, outcome);
+  lines.back().first += ' ' + std::to_string(n);
+}
 
 void addCall(const ModeCall& call, const TestHandle& handle, TestAllocator& allocator,
              std::vector<std::string>& table) {
@@ -66,16 +56,16 @@ void addCall(const ModeCall& call, const TestHandle& handle, TestAllocator& allo
   const std::vector<std::uint32_t> requests = allocator.requests();
   for (const std::uint32_t bytes : requests) line += ' ' + std::to_string(bytes);
   table.push_back(line);
-  Outcomes outcomes;
+  Lines lines;
   for (int n = 1; n <= static_cast<int>(requests.size()); ++n) {
     allocator.failAt(n);
-    outcomes.add("request", n, outcomeOf(call, handle));
+    addOutcome(lines, "request", n, outcomeOf(call, handle));
   }
   for (int n = 1; n <= starts; ++n) {
     const ThreadFaults fault(std::uint64_t{1} << (n - 1));
-    outcomes.add("worker", n, outcomeOf(call, handle));
+    addOutcome(lines, "worker", n, outcomeOf(call, handle));
   }
-  outcomes.appendTo(table);
+  for (const auto& [faults, outcome] : lines) table.push_back("  " + faults + ": " + outcome);
 }
 
 }  // namespace
