@@ -358,17 +358,23 @@ TEST_F(ColourFixCall, RefusesMasksWithoutRowsBeforeThePictureIsTouched) {
 }
 
 // The entry refuses these; the dispatcher by itself does too.
-TEST_F(ColourFixCall, IsRefusedForNvPictures) {
-  for (const PixelFormat format : {PixelFormat::kNv21, PixelFormat::kNv12}) {
-    for (const Threads threads : {Threads::kFour, Threads::kCaller}) {
+TEST_F(ColourFixCall, NeedsRgbaAndItsRecord) {
+  const std::pair<PixelFormat, const FixColorParam*> cases[] = {
+      {PixelFormat::kNv21, &album_.stFixColor},
+      {PixelFormat::kNv12, &album_.stFixColor},
+      {PixelFormat::kRgba, nullptr}};
+  for (const auto& [format, param] : cases) {
+    for (const Threads threads : kBothThreads) {
       const TestPicture picture(format, 96, 88), before(picture);
       const Call call{
           picture.view(), handle_.view(), LUMORA_MODE_COLOUR_FIX, 0, 16, {}, 0, threads, nullptr,
-          nullptr,        nullptr};
+          nullptr,        param};
       const CapturedLog log;
       EXPECT_EQ(dispatch(call), Status::kBadArgument);
       EXPECT_EQ(log.errors(),
-                std::vector<std::string>{"[%s] FilterFixColor_multiThread failed!\n"});
+                std::vector<std::string>{format == PixelFormat::kRgba
+                                             ? "[%s] FilterFixColor_RGBA failed!\n"
+                                             : "[%s] FilterFixColor_multiThread failed!\n"});
       EXPECT_EQ(picture.difference(before), kNone);
     }
   }

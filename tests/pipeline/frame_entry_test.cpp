@@ -7,6 +7,7 @@
 #include "pipeline/mode_table.h"
 #include "support/captured_log.h"
 #include "support/mode_calls.h"
+#include "support/thread_faults.h"
 
 namespace lumora::test {
 namespace {
@@ -265,6 +266,20 @@ TEST(Strength, IsRewrittenAndDecidesAboutTheCopy) {
   }
 }
 
+// The camera's call rewrites it before it refuses the mode; in the album's it is the blur level.
+TEST(Strength, OfBlurIsItsLevelInTheAlbumCallAlone) {
+  TestAllocator allocator;
+  const TestHandle handle(allocator, {});
+  const TestPicture picture(PixelFormat::kRgba, 90, 88);
+  for (const std::uint32_t mode : {LUMORA_MODE_BLUR, LUMORA_MODE_TILT_SHIFT}) {
+    HostCall camera(handle, picture.image(), mode, 3), album(handle, picture.image(), mode, 3);
+    EXPECT_EQ(camera.process(), 256u);
+    EXPECT_EQ(camera.param().effectRatio, 9);
+    EXPECT_EQ(album.processForAlbum(), 0u);
+    EXPECT_EQ(album.param().effectRatio, 3);
+  }
+}
+
 // These weaken their own steps, and the film's marks lie elsewhere in every call.
 bool isBlended(std::uint32_t mode) {
   return mode <= LUMORA_MODE_MOSAIC && mode != LUMORA_MODE_MEISHIMENGHUAN &&
@@ -295,8 +310,10 @@ TEST(Strength, BlendsTheLookWithTheUntouchedPicture) {
       FilterAlbumParam param = paramFor(call, {90, 88});
       param.stProcess.singleThread = -1;
       const FilterImage image = single.image();
+      const ThreadFaults none(0);
       ASSERT_EQ(filterProcess_for_album(handle.get(), &image, &param), 0u);
       EXPECT_EQ(single.difference(full), kNone);
+      EXPECT_EQ(ThreadFaults::startCount(), 0);
     }
   }
 }
