@@ -61,12 +61,6 @@ class InitialisationFaults : public testing::TestWithParam<std::uint32_t> {
   void writeTuning() const {
     ResourceDirectory::write(directory_.tuning(), tuningDocument(straightCurves));
   }
-  void overwritePack(std::size_t offset, const Bytes& bytes) const {
-    std::ofstream file(directory_.pack(), std::ios::in | std::ios::out | std::ios::binary);
-    file.seekp(static_cast<std::streamoff>(offset));
-    file.write(reinterpret_cast<const char*>(bytes.data()),
-               static_cast<std::streamsize>(bytes.size()));
-  }
   static void arm(int n, std::function<void()> happens = nullptr) {
     step = {n, std::move(happens)};
   }
@@ -181,10 +175,8 @@ TEST_P(InitialisationFaults, FilesShrinkBetweenAnyTwoSteps) {
       restore();
     }
   };
-  const Bytes pack = noisyPack();
-  const std::size_t rest = pack.size() - 9;
-  shrinkAtEveryStep(directory_.pack(), rest,
-                    [&] { overwritePack(rest, Bytes(pack.end() - 9, pack.end())); });
+  constexpr std::size_t kMissing = 9, kRest = kPackBytes - kMissing;
+  shrinkAtEveryStep(directory_.pack(), kRest, [this] { directory_.restorePack(kRest, kMissing); });
   for (const std::uintmax_t bytes : {0, 1, 250, 5000}) {
     shrinkAtEveryStep(directory_.tuning(), bytes, [this] { writeTuning(); });
   }
@@ -275,10 +267,9 @@ TEST_P(InitialisationFaults, APackOfAnotherSizeIsRefusedBeforeAnyRequest) {
 }
 
 TEST_P(InitialisationFaults, CheckedHeaderBytesOfThePackMustBeRight) {
-  const Bytes pack = noisyPack();
   for (std::size_t i = 0; i < kPackHeaderBytes; ++i) {
     SCOPED_TRACE(i);
-    overwritePack(i, {static_cast<std::uint8_t>(pack[i] + 1)});
+    directory_.overwritePack(i, {static_cast<std::uint8_t>(PackDirectory::packBytes()[i] + 1)});
     const std::uint32_t status = initialise();
     if (i < 4 || i >= 10) {
       expectRefused(status, i < 4 ? kHeaderError : kMarkError);
@@ -286,7 +277,7 @@ TEST_P(InitialisationFaults, CheckedHeaderBytesOfThePackMustBeRight) {
       EXPECT_EQ(status, LUMORA_OK);
     }
     destroy();
-    overwritePack(i, {pack[i]});
+    directory_.restorePack(i, 1);
   }
 }
 

@@ -22,12 +22,10 @@ struct Request {
   int width, height;  // 0: unsized
 };
 
+const Bytes& pack() { return PackDirectory::packBytes(); }
+
 class Handle : public testing::Test {
  protected:
-  static const Bytes& pack() {
-    static const Bytes bytes = noisyPack();
-    return bytes;
-  }
   ~Handle() override {
     filterDestroy(&handle_);
     EXPECT_TRUE(allocator_.balanced());
