@@ -17,35 +17,38 @@ namespace {
 constexpr Knots kStraight = {
     {0, 16, 32, 48, 64, 80, 96, 112, 128, 144, 160, 176, 192, 208, 224, 240, 255}};
 
-std::string textOf(const Knots& knots) {
-  std::string text;
-  for (const int knot : knots.at) text += std::to_string(knot) + " ";
-  return text;
-}
+constexpr Knots kCurves[3] = {
+    kStraight,
+    {{0, 7, 14, 21, 28, 35, 42, 49, 56, 63, 70, 77, 84, 91, 98, 105, 112}},
+    {{5, 5, 5, 5, 5, 5, 5, 5, 5, 5, 5, 5, 5, 5, 5, 5, 255}}};
 
-const std::string kStraightText = textOf(kStraight);
-
-// A knot changed to any text.
-std::string withKnot(int index, const std::string& value) {
+// A knot may be changed to any text.
+std::string textOf(const Knots& knots, int changed = -1, const std::string& value = "") {
   std::string text;
   for (int k = 0; k < kKnotCount; ++k) {
-    text += (k == index ? value : std::to_string(kStraight.at[k])) + " ";
+    text += (k == changed ? value : std::to_string(knots.at[k])) + " ";
   }
   return text;
 }
 
+std::string withKnot(int index, const std::string& value) {
+  return textOf(kStraight, index, value);
+}
+
+const std::string kStraightText = textOf(kStraight);
+
+std::string element(const std::string& name, const std::string& content) {
+  return "<" + name + ">" + content + "</" + name + ">";
+}
 std::string param(int n, const std::string& text) {
-  const std::string name = "param" + std::to_string(n);
-  return "<" + name + ">" + text + "</" + name + ">";
+  return element("param" + std::to_string(n), text);
 }
-
 std::string group(char letter, const std::string& params) {
-  const std::string name = std::string("filter") + letter;
-  return "<" + name + ">" + params + "</" + name + ">";
+  return element(std::string("filter") + letter, params);
 }
 
-std::string threeCurves(const std::string& third = kStraightText) {
-  return param(1, kStraightText) + param(2, kStraightText) + param(3, third);
+std::string threeCurves(const std::string& third = textOf(kCurves[2])) {
+  return param(1, kStraightText) + param(2, textOf(kCurves[1])) + param(3, third);
 }
 
 // What comes of a file, which is sound for every file.
@@ -79,6 +82,17 @@ struct Reading {
   }
 };
 
+// Every block in use has the three curves above.
+void expectCurves(const Reading& reading) {
+  for (int i = 0; i < kTuningBlockCount; ++i) {
+    if (reading.report.blocks[i].state != BlockState::kInUse) continue;
+    const std::uint8_t* curve = reading.params.bytes + kTuningBlocks[i].curveOffset();
+    for (int k = 0; k < kTuningBlocks[i].curveCount; ++k, curve += sizeof(ToneCurve)) {
+      EXPECT_EQ(std::memcmp(curve, ToneCurve::of(kCurves[k]).bytes, 24), 0) << i;
+    }
+  }
+}
+
 TEST(FilterParams, LieWhereTheLooksExpectThem) {
   const int offsets[] = {0, 25, 98, 171, 244, 249, 322, 395, 468, 543, 616, 689, 762};
   const int modes[] = {1, 2, 3, 4, 5, 7, 9, 10, 11, 13, 14, 15, 16};
@@ -103,13 +117,10 @@ TEST(FilterParams, StoreCurvesAsTriples) {
   for (const TuningBlock& block : kTuningBlocks) groups += group(block.letter, threeCurves());
   const Reading reading(document(groups));
   EXPECT_EQ(reading.inUse(), "ABCDEFGHIJKLM");
-  const Bytes stored = {0,  128, 255, 16, 144, 255, 32, 160, 255, 48,  176, 255,
-                        64, 192, 255, 80, 208, 255, 96, 224, 255, 112, 240, 255};
-  for (const TuningBlock& block : kTuningBlocks) {
-    for (int at = block.curveOffset(); at < block.endOffset(); at += 24) {
-      EXPECT_EQ(Bytes(reading.params.bytes + at, reading.params.bytes + at + 24), stored) << at;
-    }
-  }
+  expectCurves(reading);
+  EXPECT_EQ(reading.start('A', 25),
+            (Bytes{0,  0,   128, 255, 16,  144, 255, 32,  160, 255, 48,  176, 255,
+                   64, 192, 255, 80,  208, 255, 96,  224, 255, 112, 240, 255}));
 }
 
 TEST(FilterParams, RejectABlockForOneBadCurve) {
@@ -198,8 +209,7 @@ TEST(FilterParams, ReportWhatBecameOfTheDocument) {
        "read: an end tag is missing at line 2, column 193", "in use"},
       {paddedTo(200, config), "read",
        "missing key /Config/filterA/param1: there is no element /Config (it needs an XML "
-       "declaration "
-       "before it)"},
+       "declaration before it)"},
       {paddedTo(200, "<?xml?>\n" + config + "\n text"), "read", "in use"},
       {document(group('A', param(1, "1 2 &x; 3"))),
        "discarded: an unknown or unfinished character entity at line 2, column 30", nullptr},
@@ -224,25 +234,16 @@ TEST(FilterParams, FailOnlyForAFileNameThatIsTooLong) {
   EXPECT_TRUE(areOnes(params.bytes, params.bytes + sizeof params.bytes));
 }
 
-Knots someCurves[3] = {kStraight, kStraight, kStraight};
-
 TEST(TuningDocument, IsReadBackWithEveryBlockItHolds) {
-  for (int k = 0; k < kKnotCount; ++k) someCurves[1].at[k] = static_cast<std::uint8_t>(7 * k);
   const std::string text =
-      tuningDocument([](const TuningBlock&) -> const Knots* { return someCurves; });
+      tuningDocument([](const TuningBlock&) -> const Knots* { return kCurves; });
   EXPECT_GE(text.size(), 200u);
   const Reading reading(text);
   EXPECT_EQ(describeDocument(reading.report), "read");
   EXPECT_EQ(reading.inUse(), "ABCDEFGHIJK");
+  expectCurves(reading);
   EXPECT_EQ(reading.start('E', 5), (Bytes{0, 255, 230, 172, 0}));
   EXPECT_EQ(reading.start('I', 3), (Bytes{0, 4, 2}));
-  for (const char letter : {'B', 'I', 'K'}) {
-    const std::uint8_t* curve = reading.params.bytes + kTuningBlocks[letter - 'A'].curveOffset();
-    for (const Knots& knots : someCurves) {
-      EXPECT_EQ(std::memcmp(curve, ToneCurve::of(knots).bytes, 24), 0) << letter;
-      curve += 24;
-    }
-  }
 }
 
 }  // namespace
