@@ -5,8 +5,8 @@
 #include <string>
 
 #include "config/config_support.h"
-#include "config/encoding.h"
 #include "config/number_reference.h"
+#include "config/tuning_text.h"
 #include "platform/regular_file.h"
 
 namespace lumora::test {
@@ -49,30 +49,46 @@ TEST(ConfigDocument, LimitsTheLengthOfPathsAndFileNames) {
 
 TEST(ConfigDocument, ReplacesABadFileByAnEmptyConfigElement) {
   const std::string good = withParam("7");
+  const std::string short199 = good.substr(0, 199);
+  const char* const tooShort = "discarded: the file has less than 200 bytes or cannot be read";
+  const char* const tree = "Config(filterB(param2(\"7\")))";
   struct Case {
-    const char* what;
     std::string bytes;
-    int status;
-    const char* config;  // what stands at /Config
+    const char* report;
+    const char* config = "Config()";  // what stands at /Config
   };
   const Case cases[] = {
-      {"empty", "", 3, "Config()"},
-      {"shorter than 200 bytes", good.substr(0, 199), 3, "Config()"},
-      {"200 bytes", paddedTo(200, good), 0, "Config(filterB(param2(\"7\")))"},
-      {"malformed", good + "<", 4, "Config()"},
-      {"unknown entity", withParam("&nbsp;"), 12, "Config()"},
-      {"unclosed", paddedTo(200, "<?xml?><Config><a>1</a>"), 1, "Config(a(\"1\"))"},
-      {"no declaration", paddedTo(200, "<Config><a>1</a></Config>"), 0, "empty"},
-      {"no element", std::string(200, ' '), 2, "empty"},
-      {"order mark", "\xEF\xBB\xBF" + good, 0, "Config(filterB(param2(\"7\")))"},
-      {"ends at a zero byte", good + std::string("\0<", 2), 0, "Config(filterB(param2(\"7\")))"},
+      {"", tooShort},
+      {short199, tooShort},
+      {short199 + "\n", "read", tree},
+      {"\xEF\xBB\xBF" + good, "read", tree},
+      {good + std::string("\0<", 2), "read", tree},
+      {paddedTo(200, "<Config><a>1</a></Config>"), "read", "empty"},
+      {paddedTo(200, "<?xml?>\n<Config><a>1</a>"),
+       "read: an end tag is missing at line 2, column 193", "Config(a(\"1\"))"},
+      {std::string(200, ' '), "read: there is no element at line 1, column 201", "empty"},
+      {short199 + "<", "discarded: a tag has no name at line 3, column 106"},
+      {short199 + "</", "discarded: an end tag has no name at line 3, column 106"},
+      {short199 + "</x>", "discarded: an end tag matches no open element at line 3, column 106"},
+      {short199 + "<!--",
+       "discarded: a comment or other section is not closed at line 3, column 106"},
+      {short199 + "<a b>", "discarded: unexpected characters inside a tag at line 3, column 110"},
+      {withParam("&nbsp;"),
+       "discarded: an unknown or unfinished character entity at line 2, column 26"},
+      {withParam("&#256;"), "discarded: a character code above 255 at line 2, column 26"},
   };
   for (const Case& c : cases) {
     const TemporaryFile file(c.bytes);
     ConfigDocument document;
-    EXPECT_TRUE(document.load(file.path())) << c.what;
-    EXPECT_EQ(static_cast<int>(document.fileOutcome().status), c.status) << c.what;
-    EXPECT_EQ(dump(document.findByPath("/Config")), c.config) << c.what;
+    EXPECT_TRUE(document.load(file.path()));
+    EXPECT_EQ(dump(document.findByPath("/Config")), c.config) << c.report;
+    FilterParams params;
+    TuningReport report;
+    EXPECT_EQ(readFilterParams(params.bytes, file.path(), report), Status::kOk);
+    EXPECT_EQ(describeDocument(report), c.report);
+    if (!keepsDocument(report.document.status)) {
+      EXPECT_EQ(describeBlock(report, 0), std::string("document ") + c.report);
+    }
   }
   ConfigDocument missing;
   EXPECT_TRUE(missing.load("/nonexistent/filter.xml"));
