@@ -141,7 +141,7 @@ TEST_P(SizedHandle, HoldsItsModesTexturesStretched) {
 }
 INSTANTIATE_TEST_SUITE_P(Sizes, SizedHandle,
                          testing::Values(Request{0, 0, 1920, 1080}, Request{0, 1, 88, 88},
-                                         Request{0, 2, 333, 1001}, Request{0, 3, 1025, 127},
+                                         Request{0, 2, 333, 1166}, Request{0, 3, 1025, 127},
                                          Request{6, 2, 640, 480}, Request{5, 0, 1280, 720},
                                          Request{8, 0, 88, 90}, Request{17, 0, 88, 90},
                                          Request{256, 0, 89, 90}, Request{264, 1, 91, 88}),

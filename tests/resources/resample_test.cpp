@@ -6,6 +6,8 @@
 
 #include "resources/resample.h"
 #include "resources/resample_reference.h"
+#include "support/captured_log.h"
+#include "support/thread_faults.h"
 
 namespace lumora::test {
 namespace {
@@ -113,6 +115,17 @@ TEST(ResampleEdges, EmptySourcesGiveZerosAndEmptyDestinationsNothing) {
   // A format of another number copies nothing.
   ASSERT_EQ(MixImgResize(2, 3, 3, 2, 2, src.data(), dst.data()), Status::kOk);
   EXPECT_EQ(dst, Bytes(12, 0xEE));
+}
+
+// Five rows are shares of 2, 2, 1 and 0 rows.
+TEST(ResampleThreads, AMissingWorkerLeavesItsRowsAlone) {
+  const Bytes src(4, 9);
+  Bytes dst(10, 0xEE);
+  const CapturedLog log;
+  const ThreadFaults faults(1u << 1);
+  EXPECT_EQ(MixImgResize(kFormatGray, 2, 2, 2, 5, src.data(), dst.data()), Status::kThreadFailed);
+  EXPECT_EQ(dst, (Bytes{9, 9, 9, 9, 0xEE, 0xEE, 0xEE, 0xEE, 9, 9}));
+  EXPECT_EQ(log.errors().at(0), "[%s] pthread_create error!\n");
 }
 
 }  // namespace
