@@ -1,18 +1,14 @@
 // Any sequence of the six functions with any records: no call touches what is not its own, every
 // failure has its status and a message, memory comes back, and a call that succeeds gives the same
 // bytes on another vector level and with another count of threads.
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
-#include <cstdio>
 
 #include "fuzz_check.h"
 #include "host_picture.h"
+#include "resources/pack_directory.h"
 #include "support/captured_log.h"
-#include "support/resource_directory.h"
-#include "support/test_allocator.h"
-#include "support/test_picture.h"
+#include "support/mode_calls.h"
 #include "support/thread_faults.h"
 
 namespace lumora::fuzz {
@@ -21,10 +17,7 @@ namespace {
 constexpr std::uint32_t kLargestRequest = 32'000'000;
 constexpr int kMostCalls = 12;
 
-const test::ResourceDirectory& resources() {
-  static const test::ResourceDirectory directory;
-  return directory;
-}
+const test::PackDirectory resources;
 
 // One input's host: a few handle variables, one allocator.
 class Host {
@@ -43,10 +36,9 @@ class Host {
   void step() {
     const test::CapturedLog log;
     log_ = &log;
-    const test::ThreadFaults threads(in_.ConsumeIntegralInRange(0, 3) == 0
-                                         ? in_.ConsumeIntegral<std::uint64_t>()
-                                         : std::uint64_t{0});
-    allocator_.failAt(in_.ConsumeIntegralInRange(0, 3) == 0 ? in_.ConsumeIntegralInRange(1, 4) : 0);
+    const test::ThreadFaults threads(oneIn(in_, 4) ? in_.ConsumeIntegral<std::uint64_t>()
+                                                   : std::uint64_t{0});
+    allocator_.failAt(oneIn(in_, 4) ? in_.ConsumeIntegralInRange(1, 4) : 0);
     switch (in_.ConsumeIntegralInRange(0, 7)) {
       case 0: initialise(); break;
       case 1: initialiseApp(); break;
@@ -67,7 +59,7 @@ class Host {
     param.eDirection = mostlyIn<std::uint32_t>(in_, 0, 3);
     param.width = mostlyIn<std::uint32_t>(in_, 88, 130);
     param.height = mostlyIn<std::uint32_t>(in_, 88, 110);
-    if (in_.ConsumeIntegralInRange(0, 7) == 0) param.width = param.height = 0;
+    if (oneIn(in_, 8)) param.width = param.height = 0;
     static FilterAllocator half{};
     half = *allocator_.record();
     if (in_.ConsumeBool()) {
@@ -88,8 +80,8 @@ class Host {
     fill(param);
     FilterHandle*& variable = handle();
     filterDestroy(&variable);
-    const bool nullVariable = in_.ConsumeIntegralInRange(0, 31) == 0;
-    const bool nullRecord = in_.ConsumeIntegralInRange(0, 31) == 0;
+    const bool nullVariable = oneIn(in_, 32);
+    const bool nullRecord = oneIn(in_, 32);
     const std::uint32_t status =
         function(nullVariable ? nullptr : &variable, nullRecord ? nullptr : &param);
     checkStatus(status);
@@ -103,13 +95,13 @@ class Host {
 
   void initialiseApp() {
     FilterInitParamApp param{};
-    std::string directory = resources().path();
+    std::string directory = resources.path();
     switch (in_.ConsumeIntegralInRange(0, 15)) {
       case 0: directory = in_.ConsumeRandomLengthString(300); break;
       case 1: directory.insert(0, in_.ConsumeIntegralInRange<std::size_t>(0, 300), '/'); break;
       default: break;
     }
-    param.pcResourceDir = in_.ConsumeIntegralInRange(0, 31) == 0 ? nullptr : directory.c_str();
+    param.pcResourceDir = oneIn(in_, 32) ? nullptr : directory.c_str();
     initialiseWith(param, filterInit_APP);
   }
 
@@ -178,18 +170,18 @@ class Host {
 
   void process() {
     FilterHandle* const used = handle();
-    const HostPicture picture(in_);
+    HostPicture picture(in_);
     const FilterAlbumParam param = anyParam();
     const bool album = in_.ConsumeBool();
-    const bool nullImage = in_.ConsumeIntegralInRange(0, 31) == 0;
-    const bool nullParam = in_.ConsumeIntegralInRange(0, 31) == 0;
-    const std::vector<std::uint8_t> before = picture.bytes();
+    const bool nullImage = oneIn(in_, 32);
+    const bool nullParam = oneIn(in_, 32);
+    const test::Bytes before = picture.bytes();
 
     FilterAlbumParam rewritten = param;
     const std::uint32_t status = call(used, nullImage ? nullptr : &picture.record(),
                                       nullParam ? nullptr : &rewritten, album);
     checkStatus(status);
-    FUZZ_CHECK(picture.keepsPadding(before));
+    FUZZ_CHECK(picture.keepsBorders(before, test::keepsAlpha(param.stProcess.eMode)));
     if (status == LUMORA_BAD_ARGUMENT || status == LUMORA_BAD_STATE) {
       FUZZ_CHECK(picture.bytes() == before);
     }
@@ -197,11 +189,11 @@ class Host {
   }
 
   // The same call on the lowest level, and on as many threads as the other one did not use.
-  void repeat(FilterHandle* used, const HostPicture& picture,
-              const std::vector<std::uint8_t>& before, FilterAlbumParam param, bool album) {
+  void repeat(FilterHandle* used, HostPicture& picture, const test::Bytes& before,
+              FilterAlbumParam param, bool album) {
     const std::uint32_t mode = param.stProcess.eMode;
     if (mode == LUMORA_MODE_LAODIANYING) return;  // other marks every time
-    const std::vector<std::uint8_t> result = picture.bytes();
+    const test::Bytes result = picture.bytes();
     picture.assign(before);
     allocator_.failAt(0);
     const test::ThreadFaults none(0);
@@ -228,14 +220,6 @@ class Host {
 
 }  // namespace
 }  // namespace lumora::fuzz
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  // The NV12 lines; the fuzzer itself writes to standard error.
-  static_cast<void>(std::freopen("/dev/null", "w", stdout));
-  using namespace lumora;
-  test::ResourceDirectory::write(fuzz::resources().pack(), test::noisyPack());
-  return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   FuzzedDataProvider in(data, size);

@@ -2,7 +2,6 @@
 // that it explains, nothing.
 #include <unistd.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -11,7 +10,7 @@
 #include "errors.h"
 #include "fuzz_check.h"
 #include "host_values.h"
-#include "support/resource_directory.h"
+#include "resources/pack_directory.h"
 
 namespace lumora::fuzz {
 namespace {
@@ -19,17 +18,10 @@ namespace {
 constexpr std::int64_t kMostPixels = 100'000;
 constexpr std::int64_t kMostBytes = 1'000'000;
 
-struct Folder {
-  test::ResourceDirectory directory;
-  std::string input = directory.path() + "in";
-  std::string output = directory.path() + "out";
-  Folder() { test::ResourceDirectory::write(directory.pack(), test::noisyPack()); }
-};
-
-Folder& folder() {
-  static Folder instance;
-  return instance;
-}
+// Holds the resource files, the frames and what becomes of them.
+const test::PackDirectory folder;
+const std::string input = folder.path() + "in";
+const std::string output = folder.path() + "out";
 
 struct Size {
   std::int64_t width, height, stride;
@@ -54,7 +46,7 @@ std::string list(FuzzedDataProvider& in, int count) {
 
 // An option's value, or text in its place. Nothing here names a file.
 std::string value(FuzzedDataProvider& in, const std::string& sensible) {
-  return in.ConsumeIntegralInRange(0, 7) == 0 ? in.ConsumeRandomLengthString(12) : sensible;
+  return oneIn(in, 8) ? in.ConsumeRandomLengthString(12) : sensible;
 }
 
 std::vector<std::string> anyArguments(FuzzedDataProvider& in) {
@@ -71,7 +63,7 @@ std::vector<std::string> anyArguments(FuzzedDataProvider& in) {
       "--size",
       std::to_string(size.width) + "x" + std::to_string(size.height),
       "--resources",
-      folder().directory.path()};
+      folder.path()};
   const auto add = [&](const char* name, const std::string& sensible) {
     arguments.insert(arguments.end(), {name, value(in, sensible)});
   };
@@ -90,7 +82,7 @@ std::vector<std::string> anyArguments(FuzzedDataProvider& in) {
       default: add("--colour", "#a0b0c0"); break;
     }
   }
-  arguments.insert(arguments.end(), {folder().input, folder().output});
+  arguments.insert(arguments.end(), {input, output});
   return arguments;
 }
 
@@ -111,11 +103,6 @@ int run(std::vector<std::string>& arguments) {
 }  // namespace
 }  // namespace lumora::fuzz
 
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  static_cast<void>(std::freopen("/dev/null", "w", stdout));
-  return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace lumora::fuzz;
   namespace fs = std::filesystem;
@@ -125,15 +112,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto frames = in.ConsumeIntegralInRange<std::size_t>(0, 60'000);
   std::vector<std::uint8_t> bytes = in.ConsumeRemainingBytes<std::uint8_t>();
   bytes.resize(frames);
-  lumora::test::ResourceDirectory::write(folder().input, bytes);
-  fs::remove(folder().output);
+  lumora::test::ResourceDirectory::write(input, bytes);
+  fs::remove(output);
 
   // The command sets standard output aside, once per process in its ordinary life.
   const int firstFree = dup(0);
   const int code = run(arguments);
   close_range(static_cast<unsigned>(firstFree), ~0u, 0);
   FUZZ_CHECK(code == -1 || code == 0);
-  FUZZ_CHECK(fs::exists(folder().output) == (code == 0));
-  FUZZ_CHECK(code != 0 || fs::file_size(folder().output) == bytes.size());
+  FUZZ_CHECK(fs::exists(output) == (code == 0));
+  FUZZ_CHECK(code != 0 || fs::file_size(output) == bytes.size());
   return 0;
 }

@@ -1,9 +1,6 @@
 #include "host_picture.h"
 
 #include <algorithm>
-#include <cstring>
-
-#include "support/test_picture.h"
 
 namespace lumora::fuzz {
 namespace {
@@ -25,11 +22,6 @@ bool isPicture(const FilterImage& image) {
          (image.eFormat == LUMORA_FORMAT_RGBA || !odd);
 }
 
-std::uint64_t pictureBytes(const FilterImage& image) {
-  const std::uint64_t plane = static_cast<std::uint64_t>(image.stride) * image.height;
-  return image.eFormat == LUMORA_FORMAT_RGBA ? plane : plane * 3 / 2;
-}
-
 }  // namespace
 
 std::uint8_t* inaccessibleAddress() {
@@ -47,38 +39,16 @@ HostPicture::HostPicture(FuzzedDataProvider& in) {
     image_.picData = in.ConsumeBool() ? inaccessibleAddress() : nullptr;
     return;
   }
-  const std::uint64_t bytes = pictureBytes(image_);
-  const bool large = bytes > kMostBytes ||
-                     std::uint64_t{image_.width} * image_.height > kMostPixels ||
-                     in.ConsumeIntegralInRange(0, 15) == 0;
+  const bool large = std::uint64_t{image_.height} * image_.stride > kMostBytes ||
+                     std::uint64_t{image_.width} * image_.height > kMostPixels || oneIn(in, 16);
   if (large) return;
-  memory_ = std::make_unique<test::GuardedBuffer>(bytes);
-  image_.picData = memory_->data();
-  test::Noise noise(in.ConsumeIntegral<std::uint8_t>());
+  picture_.emplace(static_cast<PixelFormat>(image_.eFormat), image_.width, image_.height,
+                   static_cast<int>(image_.stride - rowBytes(image_)),
+                   in.ConsumeIntegral<std::uint8_t>());
+  image_ = picture_->image();
   const std::uint8_t kept = in.ConsumeIntegral<std::uint8_t>();  // 0: one colour everywhere
-  std::generate_n(memory_->data(), bytes,
-                  [&] { return static_cast<std::uint8_t>(noise.byte() & kept); });
-}
-
-std::vector<std::uint8_t> HostPicture::bytes() const {
-  if (!hasMemory()) return {};
-  return {memory_->data(), memory_->data() + memory_->size()};
-}
-
-void HostPicture::assign(const std::vector<std::uint8_t>& bytes) const {
-  std::copy(bytes.begin(), bytes.end(), memory_->data());
-}
-
-bool HostPicture::keepsPadding(const std::vector<std::uint8_t>& before) const {
-  if (!hasMemory()) return true;
-  const auto stride = static_cast<std::size_t>(image_.stride);
-  const auto used = static_cast<std::size_t>(rowBytes(image_));
-  for (std::size_t row = 0; row < before.size(); row += stride) {
-    const std::size_t begin = std::min(row + used, before.size());
-    const std::size_t end = std::min(row + stride, before.size());
-    if (std::memcmp(memory_->data() + begin, before.data() + begin, end - begin) != 0) return false;
-  }
-  return memory_->isIntact();
+  std::for_each_n(picture_->data(), picture_->bytes(),
+                  [kept](std::uint8_t& byte) { byte &= kept; });
 }
 
 }  // namespace lumora::fuzz

@@ -1,12 +1,10 @@
 // Pictures as hosts describe them, right before an inaccessible page.
 #pragma once
 
-#include <memory>
-#include <vector>
+#include <optional>
 
 #include "host_values.h"
-#include "lumora/filters.h"
-#include "support/guarded_buffer.h"
+#include "support/test_picture.h"
 
 namespace lumora::fuzz {
 
@@ -17,15 +15,15 @@ class HostPicture {
   explicit HostPicture(FuzzedDataProvider& in);
 
   const FilterImage& record() const { return image_; }
-  bool hasMemory() const { return memory_ != nullptr; }
-  std::vector<std::uint8_t> bytes() const;
-  void assign(const std::vector<std::uint8_t>& bytes) const;
-  // Nothing beside the rows' pixels differs from the earlier bytes.
-  bool keepsPadding(const std::vector<std::uint8_t>& before) const;
+  test::Bytes bytes() const { return picture_ ? picture_->snapshot() : test::Bytes(); }
+  void assign(const test::Bytes& bytes) { picture_->assign(bytes); }
+  bool keepsBorders(const test::Bytes& before, bool alphaToo) const {
+    return !picture_ || picture_->keepsBorders(before, alphaToo);
+  }
 
  private:
   FilterImage image_{};
-  std::unique_ptr<test::GuardedBuffer> memory_;
+  std::optional<test::TestPicture> picture_;
 };
 
 // Where a byte read or written is a fault.

@@ -7,6 +7,10 @@
 
 namespace lumora::fuzz {
 
+inline bool oneIn(FuzzedDataProvider& in, int count) {
+  return in.ConsumeIntegralInRange(0, count - 1) == 0;
+}
+
 template <class T>
 T anyNumber(FuzzedDataProvider& in) {
   static constexpr std::int64_t kNotable[] = {
@@ -18,7 +22,7 @@ T anyNumber(FuzzedDataProvider& in) {
 // In [first, last] three times out of four.
 template <class T>
 T mostlyIn(FuzzedDataProvider& in, T first, T last) {
-  if (in.ConsumeIntegralInRange(0, 3) == 0) return anyNumber<T>(in);
+  if (oneIn(in, 4)) return anyNumber<T>(in);
   return in.ConsumeIntegralInRange<T>(first, last);
 }
 

@@ -11,8 +11,6 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-TEST(Version, IsTheNumberHostsCheck) { EXPECT_EQ(getFilterVersion(), 81010u); }
-
 // An initialisation as a host would put it together, through either function.
 struct HostInit {
   FilterHandle* handle = nullptr;
@@ -36,7 +34,7 @@ struct Fault {
   std::function<void(HostInit&)> apply;
 };
 
-TEST(InitialisationChecks, FindTheFirstOfTwoFaults) {
+TEST(InitialisationChecks, LogTheVersionAndTheFirstOfTwoFaults) {
   static FilterAllocator noRelease{TestAllocator().record()->allocate, nullptr};
   const Fault faults[] = {
       {"[%s] phHandle is NULL!\n", [](HostInit& i) { i.variable = nullptr; }},
@@ -57,6 +55,11 @@ TEST(InitialisationChecks, FindTheFirstOfTwoFaults) {
         const CapturedLog log;
         EXPECT_EQ(init.run(throughApp), 256u);
         EXPECT_EQ(log.errors(), Texts{first.message});
+        const CapturedLog::Line version = log.lines().at(0);
+        EXPECT_EQ(version.priority, 4);
+        EXPECT_EQ(version.tag, "filter");
+        EXPECT_EQ(version.text,
+                  "[FILTER_LOG] Filter Version: __LumoraVideo-3.2.81.10__Mar 13 2017__gcc__ \n");
         EXPECT_EQ(init.handle, nullptr);
       }
     }
@@ -83,21 +86,6 @@ TEST(InitialisationChecks, KnowTheModesAndSizesOfHandles) {
   const std::pair<std::uint32_t, std::uint32_t> refused[] = {{0, 100}, {100, 0},    {87, 88},
                                                              {88, 87}, {20001, 88}, {88, 20001}};
   for (const auto& [width, height] : refused) EXPECT_EQ(statusOf(0, width, height), 256u);
-}
-
-TEST(Initialisation, LogsTheVersionFirst) {
-  for (const bool throughApp : {false, true}) {
-    HostInit init;
-    init.nullParam = true;
-    const CapturedLog log;
-    EXPECT_EQ(init.run(throughApp), 256u);
-    const CapturedLog::Line line = log.lines().at(0);
-    EXPECT_EQ(line.priority, 4);
-    EXPECT_EQ(line.tag, "filter");
-    EXPECT_EQ(line.format, "[%s] Filter Version: __%s__%s__%s__ \n");
-    EXPECT_EQ(line.text,
-              "[FILTER_LOG] Filter Version: __LumoraVideo-3.2.81.10__Mar 13 2017__gcc__ \n");
-  }
 }
 
 // Each function hands out a pair of its own, always the same one, even when a later check fails.

@@ -2,13 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <string>
-#include <vector>
 
 #include "config/config_support.h"
-#include "config/encoding.h"
-#include "config/numbers.h"
+#include "config/number_reference.h"
+#include "config/tuning_text.h"
 #include "platform/regular_file.h"
 
 namespace lumora::test {
@@ -44,8 +42,6 @@ TEST(ConfigDocument, LimitsTheLengthOfPathsAndFileNames) {
   EXPECT_EQ(document.readInt(("/Config/" + name).c_str(), 0), 7);
   EXPECT_EQ(document.readInt(("/Config/" + name + "y").c_str(), 0), 0);
 
-  EXPECT_TRUE(ConfigDocument().load(std::string(255, 'x').c_str()));
-  EXPECT_FALSE(ConfigDocument().load(std::string(256, 'x').c_str()));
   EXPECT_FALSE(ConfigDocument().load(nullptr));
   EXPECT_FALSE(ConfigDocument().load(""))
       << "the name of the document held at first, which is none";
@@ -53,30 +49,46 @@ TEST(ConfigDocument, LimitsTheLengthOfPathsAndFileNames) {
 
 TEST(ConfigDocument, ReplacesABadFileByAnEmptyConfigElement) {
   const std::string good = withParam("7");
+  const std::string short199 = good.substr(0, 199);
+  const char* const tooShort = "discarded: the file has less than 200 bytes or cannot be read";
+  const char* const tree = "Config(filterB(param2(\"7\")))";
   struct Case {
-    const char* what;
     std::string bytes;
-    int status;
-    const char* config;  // what stands at /Config
+    const char* report;
+    const char* config = "Config()";  // what stands at /Config
   };
   const Case cases[] = {
-      {"empty", "", 3, "Config()"},
-      {"shorter than 200 bytes", good.substr(0, 199), 3, "Config()"},
-      {"200 bytes", paddedTo(200, good), 0, "Config(filterB(param2(\"7\")))"},
-      {"malformed", good + "<", 4, "Config()"},
-      {"unknown entity", withParam("&nbsp;"), 12, "Config()"},
-      {"unclosed", paddedTo(200, "<?xml?><Config><a>1</a>"), 1, "Config(a(\"1\"))"},
-      {"no declaration", paddedTo(200, "<Config><a>1</a></Config>"), 0, "empty"},
-      {"no element", std::string(200, ' '), 2, "empty"},
-      {"order mark", "\xEF\xBB\xBF" + good, 0, "Config(filterB(param2(\"7\")))"},
-      {"ends at a zero byte", good + std::string("\0<", 2), 0, "Config(filterB(param2(\"7\")))"},
+      {"", tooShort},
+      {short199, tooShort},
+      {short199 + "\n", "read", tree},
+      {"\xEF\xBB\xBF" + good, "read", tree},
+      {good + std::string("\0<", 2), "read", tree},
+      {paddedTo(200, "<Config><a>1</a></Config>"), "read", "empty"},
+      {paddedTo(200, "<?xml?>\n<Config><a>1</a>"),
+       "read: an end tag is missing at line 2, column 193", "Config(a(\"1\"))"},
+      {std::string(200, ' '), "read: there is no element at line 1, column 201", "empty"},
+      {short199 + "<", "discarded: a tag has no name at line 3, column 106"},
+      {short199 + "</", "discarded: an end tag has no name at line 3, column 106"},
+      {short199 + "</x>", "discarded: an end tag matches no open element at line 3, column 106"},
+      {short199 + "<!--",
+       "discarded: a comment or other section is not closed at line 3, column 106"},
+      {short199 + "<a b>", "discarded: unexpected characters inside a tag at line 3, column 110"},
+      {withParam("&nbsp;"),
+       "discarded: an unknown or unfinished character entity at line 2, column 26"},
+      {withParam("&#256;"), "discarded: a character code above 255 at line 2, column 26"},
   };
   for (const Case& c : cases) {
     const TemporaryFile file(c.bytes);
     ConfigDocument document;
-    EXPECT_TRUE(document.load(file.path())) << c.what;
-    EXPECT_EQ(static_cast<int>(document.fileOutcome().status), c.status) << c.what;
-    EXPECT_EQ(dump(document.findByPath("/Config")), c.config) << c.what;
+    EXPECT_TRUE(document.load(file.path()));
+    EXPECT_EQ(dump(document.findByPath("/Config")), c.config) << c.report;
+    FilterParams params;
+    TuningReport report;
+    EXPECT_EQ(readFilterParams(params.bytes, file.path(), report), Status::kOk);
+    EXPECT_EQ(describeDocument(report), c.report);
+    if (!keepsDocument(report.document.status)) {
+      EXPECT_EQ(describeBlock(report, 0), std::string("document ") + c.report);
+    }
   }
   ConfigDocument missing;
   EXPECT_TRUE(missing.load("/nonexistent/filter.xml"));
@@ -111,93 +123,38 @@ TEST(ConfigDocument, TakesTheLastGuessedEncodingWhereNoneCanBeGuessed) {
   }
 }
 
-RegularFile::Step failingStep;
-int failingTime;
-
-// Fails one step, the first or the second time it is reached.
-bool failOnce(RegularFile::Step step) { return step == failingStep && --failingTime == 0; }
+int stepsUntilFault;
+bool failOneStep(RegularFile::Step) { return stepsUntilFault-- == 0; }
 
 TEST(ConfigDocument, TreatsAFailingReadAsABadFile) {
-  using Step = RegularFile::Step;
-  struct Case {
-    Step step;
-    int time;
-    int status;
-  };
-  // The file is opened and read twice: for the guess, and as a whole.
-  const Case cases[] = {{Step::kOpen, 1, 0},    {Step::kOpen, 2, 10}, {Step::kRead, 1, 3},
-                        {Step::kRead, 2, 3},    {Step::kSeek, 1, 3},  {Step::kSeek, 2, 3},
-                        {Step::kPosition, 1, 3}};
   const TemporaryFile file(paddedTo(200, "<?xml?><Config/>"));
-  for (const Case& c : cases) {
-    failingStep = c.step;
-    failingTime = c.time;
-    RegularFile::setFault(failOnce);
+  RegularFile::setFault(failOneStep);
+  int step = 0;
+  // Open and read for the guess, then open, seek, position, seek and read; then nothing fails.
+  for (const int status : {0, 3, 10, 3, 3, 3, 3, 0}) {
+    stepsUntilFault = step++;
     ConfigDocument document;
     EXPECT_TRUE(document.load(file.path()));
-    RegularFile::setFault(nullptr);
-    EXPECT_EQ(static_cast<int>(document.fileOutcome().status), c.status)
-        << static_cast<int>(c.step) << ", time " << c.time;
+    EXPECT_EQ(static_cast<int>(document.fileOutcome().status), status) << "step " << step;
   }
+  RegularFile::setFault(nullptr);
 }
 
-TEST(Numbers, ReadTheIntegerATextBeginsWith) {
-  constexpr std::int32_t kDefault = -77;
-  struct Case {
-    const char* text;
-    std::int32_t expected;
-  };
-  const Case cases[] = {
-      {"12", 12},
-      {"  +12", 12},
-      {"\v\f\t-12abc", -12},
-      {"007", 7},
-      {"0x10", 0},
-      {"3.9", 3},
-      {"abc", kDefault},
-      {"", kDefault},
-      {"-", kDefault},
-      {"- 1", kDefault},
-      {"+-1", kDefault},
-      {"2147483647", INT32_MAX},
-      {"2147483648", INT32_MAX},
-      {"-2147483648", INT32_MIN},
-      {"-2147483649", INT32_MIN},
-      {"99999999999999999999999", INT32_MAX},
-      {"-99999999999999999999999", INT32_MIN},
-  };
-  for (const Case& c : cases) {
-    std::int32_t value = kDefault;
-    EXPECT_EQ(readLeadingInt(c.text, value), c.expected != kDefault) << c.text;
-    EXPECT_EQ(value, c.expected) << c.text;
+// Three pieces in every order, alone and before further numbers.
+TEST(Numbers, AreReadAsTheStandardLibraryReadsThem) {
+  const char* const pieces[] = {
+      "",           " ",          "\r\n\t\v\f", "-",          "+",          ",",     "x",
+      "0",          "007",        "12",         "0x10",       "3.9",        "32767", "32768",
+      "2147483647", "2147483648", "2147483649", "4294967295", "4294967296", "32769"};
+  for (const std::string first : pieces) {
+    for (const std::string second : pieces) {
+      for (const std::string third : pieces) {
+        const std::string text = first + second + third;
+        EXPECT_TRUE(areNumbersRight(text.c_str())) << text;
+        EXPECT_TRUE(areNumbersRight((text + " 1 2 3 4 5 6").c_str())) << text;
+      }
+    }
   }
-}
-
-template <class T>
-void expectNumbers(const char* text, int read, const std::vector<T>& expected) {
-  std::vector<T> out(expected.size(), 99);
-  EXPECT_EQ(readNumbers(text, out.data(), static_cast<int>(out.size())), read) << text;
-  EXPECT_EQ(out, expected) << text;
-}
-
-TEST(Numbers, ReadListsUntilSomethingElseComes) {
-  using U = std::uint32_t;
-  expectNumbers<U>("1 2\t3", 3, {1, 2, 3, 99, 99});
-  expectNumbers<U>("1\r\n2 3 4", 3, {1, 2, 3});
-  expectNumbers<U>("1,2", 1, {1, 99});
-  expectNumbers<U>("1 x 2", 1, {1, 99, 99});
-  expectNumbers<U>("0x5", 1, {0, 99});
-  expectNumbers<U>("", 0, {99});
-  expectNumbers<U>("1-2+3", 3, {1, UINT32_MAX - 1, 3});
-  expectNumbers<U>("-1 -4294967295 -0", 3, {UINT32_MAX, 1, 0});
-  expectNumbers<U>("4294967295 1", 2, {UINT32_MAX, 1});
-  // A number out of range becomes the limit, and ends the list.
-  expectNumbers<U>("7 4294967296 1", 2, {7, UINT32_MAX, 99});
-  expectNumbers<U>("-4294967296 1", 1, {UINT32_MAX, 99});
-  expectNumbers<std::int32_t>("-5 2147483648 1", 2, {-5, INT32_MAX, 99});
-  expectNumbers<std::int32_t>("-2147483649 1", 1, {INT32_MIN, 99});
-  expectNumbers<std::int16_t>("-32768 32767 32768 1", 3, {-32768, 32767, 32767, 99});
-  expectNumbers<std::int16_t>("-99999 1", 1, {-32768, 99});
 }
 
 TEST(ConfigDocument, ReadsNumbersOfTheFirstText) {

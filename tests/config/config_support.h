@@ -1,4 +1,4 @@
-// What the tests of documents share: files, a heap that counts and fails, trees as text.
+// What the tests of documents share: files, and trees as text.
 #pragma once
 
 #include <cstddef>
@@ -6,37 +6,21 @@
 #include <string_view>
 
 #include "config/xml_node.h"
-#include "config/xml_status.h"
+#include "support/resource_directory.h"
 
 namespace lumora::test {
 
 // A file that holds these bytes and goes away with its owner.
 class TemporaryFile {
  public:
-  explicit TemporaryFile(std::string_view bytes);
-  ~TemporaryFile();
-  TemporaryFile(const TemporaryFile&) = delete;
-  TemporaryFile& operator=(const TemporaryFile&) = delete;
+  explicit TemporaryFile(std::string_view bytes) { rewrite(bytes); }
 
   const char* path() const { return path_.c_str(); }
-  void rewrite(std::string_view bytes) const;
+  void rewrite(std::string_view bytes) const { ResourceDirectory::write(path_, bytes); }
 
  private:
-  std::string path_;
-};
-
-// The document heap while it lives: counts blocks and refuses some. One at a time, one thread.
-class CountingHeap {
- public:
-  CountingHeap();
-  ~CountingHeap();
-  CountingHeap(const CountingHeap&) = delete;
-  CountingHeap& operator=(const CountingHeap&) = delete;
-
-  // Refuses the n-th request from now on (1 is the next), and with `allAfter` all that follow.
-  void failAt(int n, bool allAfter = false);
-  bool hasFailed() const;
-  int liveBlocks() const;
+  ResourceDirectory directory_;
+  std::string path_ = directory_.tuning();
 };
 
 // A document with a declaration around this Config content, long enough to be read from a file.

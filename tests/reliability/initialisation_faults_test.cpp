@@ -1,19 +1,31 @@
-// Every step of an initialisation fails once: steps of reading both files, requests for memory,
-// blocks of the document's tree, starts of workers; and both files shrink while they are read.
+// Initialisations that fail: every step of reading both files, every request for memory, block of
+// the document's tree and start of a worker fails once, both files shrink while they are read, and
+// packs are refused.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <functional>
 
-#include "config/config_support.h"
 #include "config/tuning_text.h"
 #include "platform/regular_file.h"
+#include "resources/pack_directory.h"
 #include "support/captured_log.h"
+#include "support/counting_heap.h"
 #include "support/mode_calls.h"
-#include "support/resource_directory.h"
 #include "support/thread_faults.h"
 
 namespace lumora::test {
 namespace {
+
+using Messages = std::vector<std::string>;
+
+constexpr const char* kCannotOpen = "[%s] \ninput for mixIm.dat is invalid!";
+constexpr const char* kSeekError = "[%s] \n.dat file fseek error!";
+constexpr const char* kSizeError = "[%s] \n.dat file size error!";
+constexpr const char* kReadError = "[%s] \n.dat file load failed!";
+constexpr const char* kHeaderError = "[%s] \n.dat file error!";
+constexpr const char* kMarkError = "[%s] \n.dat file is wrong!";
+constexpr const char* kFailed = "[%s] initialize failed!\n";
 
 // What happens at the n-th step of reading; the two files are read one after the other.
 struct {
@@ -37,19 +49,12 @@ const Knots* straightCurves(const TuningBlock&) {
 class InitialisationFaults : public testing::TestWithParam<std::uint32_t> {
  protected:
   InitialisationFaults() {
-    ResourceDirectory::write(directory_.pack(), noisyPack());
-    writeTuning();
     RegularFile::setFault(countStep);
     arm(0);
-    EXPECT_EQ(initialise(), 0u);
-    good_ = contents();
-    destroy();
-    std::filesystem::remove(directory_.tuning());
-    EXPECT_EQ(initialise(), 0u);
-    untuned_ = contents();
-    destroy();
-    EXPECT_FALSE(good_ == untuned_) << "the document is worth reading";
+    untuned_ = goodContents();
     writeTuning();
+    good_ = goodContents();
+    EXPECT_FALSE(good_ == untuned_) << "the document is worth reading";
   }
   ~InitialisationFaults() override { RegularFile::setFault(nullptr); }
 
@@ -60,18 +65,23 @@ class InitialisationFaults : public testing::TestWithParam<std::uint32_t> {
     step = {n, std::move(happens)};
   }
 
-  std::uint32_t initialise() {
+  // A value of the handle variable that no initialisation makes.
+  FilterHandle* untouched() { return reinterpret_cast<FilterHandle*>(&allocator_); }
+  std::uint32_t initialise(const char* directory) {
     log_.clear();
-    const std::string path = directory_.path();
+    allocator_.clearRequests();
+    handle_ = untouched();
     FilterInitParamApp param{};
     param.eDirection = 3;
     param.width = GetParam();
     param.height = GetParam();
-    param.pcResourceDir = path.c_str();
+    param.pcResourceDir = directory;
     param.pstAllocator = allocator_.record();
     return filterInit_APP(&handle_, &param);
   }
+  std::uint32_t initialise() { return initialise(directory_.path().c_str()); }
   void destroy() {
+    if (handle_ == untouched()) handle_ = nullptr;
     filterDestroy(&handle_);
     EXPECT_TRUE(allocator_.balanced());
     EXPECT_EQ(heap_.liveBlocks(), 0);
@@ -85,28 +95,33 @@ class InitialisationFaults : public testing::TestWithParam<std::uint32_t> {
     bytes.insert(bytes.end(), const_cast<const std::uint8_t*>(view.plane(kPlaneCount - 1)), end);
     return bytes;
   }
+  // The header, built-in values for every look and black textures.
+  Bytes blankContents() const {
+    Bytes bytes(good_.size(), 0);
+    std::fill_n(std::copy_n(good_.begin(), sizeof(TextureHeader), bytes.begin()),
+                kFilterParamsBytes, std::uint8_t{1});
+    return bytes;
+  }
+  Bytes goodContents() {
+    EXPECT_EQ(initialise(), LUMORA_OK);
+    EXPECT_TRUE(log_.errors().empty());
+    const Bytes bytes = contents();
+    destroy();
+    return bytes;
+  }
   // Nothing of the failure stays: the next initialisation is as good as the first.
   void expectGoodAgain() {
     arm(0);
-    ASSERT_EQ(initialise(), 0u);
-    EXPECT_TRUE(contents() == good_);
-    EXPECT_TRUE(log_.errors().empty());
-    destroy();
+    EXPECT_TRUE(goodContents() == good_);
   }
-  // A pack that cannot be read is an error; without a document every look has its own values.
-  void expectRefusedOrBuiltIn(std::uint32_t status) {
-    if (status == LUMORA_OK) {
-      ASSERT_NE(handle_, nullptr);
-      EXPECT_TRUE(contents() == untuned_ || contents() == good_);
-      EXPECT_TRUE(log_.errors().empty());
-    } else {
-      EXPECT_EQ(status, LUMORA_BAD_RESOURCE);
-      EXPECT_EQ(handle_, nullptr);
-      EXPECT_EQ(log_.errors().size(), 2u) << "the reason, and that there is no handle";
-    }
+  void expectRefused(std::uint32_t status, const char* reason) {
+    EXPECT_EQ(status, LUMORA_BAD_RESOURCE);
+    EXPECT_EQ(log_.errors(), (Messages{reason, kFailed}));
+    EXPECT_EQ(handle_, untouched());
+    EXPECT_EQ(allocator_.liveBlocks(), 0);
   }
 
-  ResourceDirectory directory_;
+  PackDirectory directory_;
   TestAllocator allocator_;
   CountingHeap heap_;
   CapturedLog log_;
@@ -116,42 +131,54 @@ class InitialisationFaults : public testing::TestWithParam<std::uint32_t> {
 };
 
 TEST_P(InitialisationFaults, EveryStepOfReadingFails) {
-  int n = 1, refused = 0;
-  for (;; ++n) {
+  const char* const reasons[] = {kCannotOpen, kSeekError, kSizeError, kSeekError, kReadError};
+  constexpr int kPackSteps = 5;
+  int n = 1;
+  for (bool over = false; !over; ++n) {
     SCOPED_TRACE(n);
     arm(n);
     const std::uint32_t status = initialise();
-    const bool over = step.until > 0;
-    refused += status != LUMORA_OK;
-    expectRefusedOrBuiltIn(status);
+    over = step.until > 0;
+    if (n <= kPackSteps) {
+      expectRefused(status, reasons[n - 1]);
+    } else {
+      // Without a document every look has its own values. Where its encoding cannot be guessed, the
+      // last one will do.
+      EXPECT_EQ(status, LUMORA_OK);
+      EXPECT_TRUE(contents() == (over || n == kPackSteps + 1 ? good_ : untuned_));
+      EXPECT_TRUE(log_.errors().empty());
+    }
     destroy();
-    if (over) break;
     expectGoodAgain();
   }
-  EXPECT_EQ(refused, 5) << "open, seek, position, seek and read of the pack";
-  EXPECT_GT(n, 10) << "the document has such steps, too";
-  RecordProperty("cases", n - 1);
+  EXPECT_EQ(n - 2, kPackSteps + 7) << "open and read, then open, seek, position, seek and read";
+  RecordProperty("cases", n - 2);
 }
 
 TEST_P(InitialisationFaults, FilesShrinkBetweenAnyTwoSteps) {
   int cases = 0;
-  const auto shrinkAtEveryStep = [&](const std::filesystem::path& file, int rest, auto restore) {
-    for (int n = 1, over = 0; over == 0; ++n, ++cases) {
+  const auto shrinkAtEveryStep = [&](const std::filesystem::path& file, std::uintmax_t rest,
+                                     auto restore) {
+    bool over = false;
+    for (int n = 1; !over; ++n, ++cases) {
       SCOPED_TRACE(testing::Message() << file << " to " << rest << " bytes at step " << n);
-      arm(n, [&] { std::filesystem::resize_file(file, static_cast<std::uintmax_t>(rest)); });
-      expectRefusedOrBuiltIn(initialise());
+      arm(n, [&] { std::filesystem::resize_file(file, rest); });
+      const std::uint32_t status = initialise();
       over = step.until > 0;
+      if (status == LUMORA_OK) {
+        EXPECT_TRUE(contents() == untuned_ || contents() == good_);
+        EXPECT_TRUE(log_.errors().empty());
+      } else {
+        expectRefused(status, n <= 2 ? kSizeError : kReadError);
+      }
       destroy();
       restore();
     }
   };
-  const std::vector<std::uint8_t> pack = noisyPack();
-  shrinkAtEveryStep(directory_.pack(), static_cast<int>(pack.size()) - 9, [&] {
-    std::ofstream(directory_.pack(), std::ios::in | std::ios::binary | std::ios::ate)
-        .write(reinterpret_cast<const char*>(&*(pack.end() - 9)), 9);
-  });
-  for (const int rest : {0, 1, 250, 5000}) {
-    shrinkAtEveryStep(directory_.tuning(), rest, [this] { writeTuning(); });
+  constexpr std::size_t kMissing = 9, kRest = kPackBytes - kMissing;
+  shrinkAtEveryStep(directory_.pack(), kRest, [this] { directory_.restorePack(kRest, kMissing); });
+  for (const std::uintmax_t bytes : {0, 1, 250, 5000}) {
+    shrinkAtEveryStep(directory_.tuning(), bytes, [this] { writeTuning(); });
   }
   RecordProperty("cases", cases);
 }
@@ -161,28 +188,28 @@ TEST_P(InitialisationFaults, ADocumentHasALimit) {
   constexpr std::uintmax_t kLimit = 16 << 20;
   for (const std::uintmax_t bytes : {kLimit, kLimit + 1, kLimit << 10}) {
     std::filesystem::resize_file(directory_.tuning(), bytes);  // zeros, which end the text
-    EXPECT_EQ(initialise(), 0u);
-    EXPECT_TRUE(contents() == (bytes > kLimit ? untuned_ : good_)) << bytes;
-    destroy();
+    EXPECT_TRUE(goodContents() == (bytes > kLimit ? untuned_ : good_)) << bytes;
   }
 }
 
 // Without memory for the document there is none; without memory even for an empty one in its place
 // the initialisation fails, with a handle that only waits for its end.
 TEST_P(InitialisationFaults, EveryBlockOfTheDocumentFails) {
+  const Messages reasons = {"[%s] xml file read failed!\n",
+                            "[%s] \ninput for filter.xml is invalid!", kFailed};
   int cases = 0;
   for (const bool allAfter : {false, true}) {
-    for (int n = 1, over = 0; over == 0; n += n < 20 ? 1 : 17, ++cases) {
+    bool over = false;
+    for (int n = 1; !over; n += n < 20 ? 1 : 17, ++cases) {
       SCOPED_TRACE(n);
       heap_.failAt(n, allAfter);
       const std::uint32_t status = initialise();
       over = !heap_.hasFailed();
-      const bool refused = allAfter && over == 0;
+      const bool refused = allAfter && !over;
       EXPECT_EQ(status, refused ? LUMORA_BAD_RESOURCE : LUMORA_OK);
-      ASSERT_NE(handle_, nullptr);
-      if (!refused) {
-        EXPECT_TRUE(contents() == (over != 0 ? good_ : untuned_));
-      }
+      EXPECT_EQ(log_.errors(), refused ? reasons : Messages{});
+      ASSERT_EQ(allocator_.liveBlocks(), 1);
+      EXPECT_TRUE(contents() == (over ? good_ : refused ? blankContents() : untuned_));
       destroy();
     }
     heap_.failAt(0);
@@ -191,29 +218,101 @@ TEST_P(InitialisationFaults, EveryBlockOfTheDocumentFails) {
   RecordProperty("cases", cases);
 }
 
-TEST_P(InitialisationFaults, EveryRequestAndEveryWorkerFails) {
+TEST_P(InitialisationFaults, EveryRequestFails) {
   for (int n = 1; n <= 2; ++n) {
+    SCOPED_TRACE(n);
     allocator_.failAt(n);
     EXPECT_EQ(initialise(), LUMORA_BAD_STATE);
-    EXPECT_EQ(handle_, nullptr);
+    EXPECT_EQ(log_.errors(), (Messages{"[%s] \ncan't malloc enough memory!", kFailed}));
+    EXPECT_EQ(handle_, n == 1 ? untouched() : nullptr) << "the pack's block, then the handle's";
+    EXPECT_EQ(allocator_.liveBlocks(), 0);
     destroy();
     expectGoodAgain();
+    EXPECT_EQ(allocator_.requests().size(), 2u);
   }
-  int starts = 1;
+  RecordProperty("cases", 2);
+}
+
+// Every texture has its workers. What one leaves out is made good, and the host gets the handle.
+TEST_P(InitialisationFaults, EveryWorkerFails) {
+  const int starts = GetParam() == 0 ? 0 : 8 * kStripeCount;
   for (int k = 0; k < starts; ++k) {
+    SCOPED_TRACE(k);
     {
       const ThreadFaults faults(std::uint64_t{1} << k);
-      const std::uint32_t status = initialise();
-      starts = ThreadFaults::startCount();
-      EXPECT_EQ(status, starts > 0 ? LUMORA_THREAD_FAILED : LUMORA_OK);
+      EXPECT_EQ(initialise(), LUMORA_THREAD_FAILED);
+      EXPECT_EQ(ThreadFaults::startCount(), starts);
     }
-    ASSERT_NE(handle_, nullptr);
-    EXPECT_TRUE(contents() == good_) << "what a worker left out has been made good";
+    EXPECT_EQ(log_.errors(),
+              (Messages{"[%s] \npthread_create error!", "[%s]  Error threadID = %d!", kFailed}));
+    EXPECT_EQ(log_.lines().at(2).text,
+              "[FILTER_LOG]  Error threadID = " + std::to_string(k % kStripeCount) + "!");
+    ASSERT_EQ(allocator_.liveBlocks(), 1);
+    EXPECT_TRUE(contents() == good_);
     destroy();
     expectGoodAgain();
   }
-  EXPECT_EQ(starts, GetParam() == 0 ? 0 : 8 * kStripeCount);
-  RecordProperty("cases", 2 + starts);
+  const ThreadFaults none(0);
+  expectGoodAgain();
+  EXPECT_EQ(ThreadFaults::startCount(), starts);
+  RecordProperty("cases", starts);
+}
+
+TEST_P(InitialisationFaults, APackOfAnotherSizeIsRefusedBeforeAnyRequest) {
+  for (const std::uintmax_t bytes : {kPackBytes - 1, kPackBytes + 1, 0u}) {
+    std::filesystem::resize_file(directory_.pack(), bytes);
+    expectRefused(initialise(), kSizeError);
+    EXPECT_TRUE(allocator_.requests().empty());
+  }
+}
+
+TEST_P(InitialisationFaults, CheckedHeaderBytesOfThePackMustBeRight) {
+  for (std::size_t i = 0; i < kPackHeaderBytes; ++i) {
+    SCOPED_TRACE(i);
+    directory_.overwritePack(i, {static_cast<std::uint8_t>(PackDirectory::packBytes()[i] + 1)});
+    const std::uint32_t status = initialise();
+    if (i < 4 || i >= 10) {
+      expectRefused(status, i < 4 ? kHeaderError : kMarkError);
+    } else {
+      EXPECT_EQ(status, LUMORA_OK);
+    }
+    destroy();
+    directory_.restorePack(i, 1);
+  }
+}
+
+TEST_P(InitialisationFaults, OnlyRegularFilesOpen) {
+  const auto replaceBy = [this](auto make) {
+    std::filesystem::remove_all(directory_.pack());
+    make(directory_.pack());
+    expectRefused(initialise(), kCannotOpen);
+  };
+  replaceBy([](const auto&) {});  // missing
+  replaceBy([](const auto& path) { std::filesystem::create_directory(path); });
+  replaceBy([](const auto& path) { ASSERT_EQ(mkfifo(path.c_str(), 0600), 0); });
+  replaceBy([](const auto& path) { std::filesystem::create_symlink("/dev/zero", path); });
+  replaceBy([](const auto& path) { std::filesystem::create_symlink("nowhere", path); });
+}
+
+TEST_P(InitialisationFaults, TheBuiltInPackHasAMessageOfItsOwn) {
+  if (std::filesystem::exists("/system/etc/camera/filter/mixIm.dat")) GTEST_SKIP();
+  expectRefused(initialise(nullptr), "[%s] \nmixIm.dat open failed!");
+}
+
+TEST_P(InitialisationFaults, TheDirectoryIsAPrefixOfBoundedLength) {
+  // Without its slash the names are glued to the directory's own.
+  std::string path = directory_.path();
+  path.pop_back();
+  expectRefused(initialise(path.c_str()), kCannotOpen);
+
+  // The longest directory names the same place in a long-winded way.
+  path.resize(245, '/');
+  EXPECT_EQ(initialise(path.c_str()), LUMORA_OK);
+  destroy();
+  for (const std::size_t length : {246, 247, 255, 256, 4000, 100000}) {
+    path.resize(length, '/');
+    expectRefused(initialise(path.c_str()), kCannotOpen);
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Sizes, InitialisationFaults, testing::Values(0u, 96u));

@@ -5,8 +5,9 @@
 #include <cstring>
 
 #include "resources/filter_init.h"
+#include "resources/pack_directory.h"
+#include "resources/resample_reference.h"
 #include "support/captured_log.h"
-#include "support/resource_directory.h"
 #include "support/test_allocator.h"
 
 namespace lumora::test {
@@ -21,17 +22,10 @@ struct Request {
   int width, height;  // 0: unsized
 };
 
+const Bytes& pack() { return PackDirectory::packBytes(); }
+
 class Handle : public testing::Test {
  protected:
-  static void SetUpTestSuite() {
-    pack_ = new Bytes(noisyPack());
-    directory_ = new ResourceDirectory;
-    ResourceDirectory::write(directory_->pack(), *pack_);
-  }
-  static void TearDownTestSuite() {
-    delete directory_;
-    delete pack_;
-  }
   ~Handle() override {
     filterDestroy(&handle_);
     EXPECT_TRUE(allocator_.balanced());
@@ -40,7 +34,8 @@ class Handle : public testing::Test {
   Status make(const Request& r) {
     filterDestroy(&handle_);
     allocator_.clearRequests();
-    const std::string directory = directory_->path();
+    static const PackDirectory kDirectory;
+    const std::string directory = kDirectory.path();
     if (r.width == 0) {
       return FilterInitUnsized(r.mode, r.direction, &handle_, *allocator_.record(),
                                directory.c_str());
@@ -57,7 +52,6 @@ class Handle : public testing::Test {
   const std::uint8_t* header() const { return base() + 16; }
   const std::uint8_t* params() const { return base() + 32; }
   const std::uint8_t* textures() const { return base() + 32 + 4096; }
-  const Bytes& pack() const { return *pack_; }
 
   void expectHeader(const Request& r, int width, int height, int prepared) {
     const Bytes expected = {
@@ -76,42 +70,7 @@ class Handle : public testing::Test {
 
   TestAllocator allocator_;
   FilterHandle* handle_ = nullptr;
-
- private:
-  static inline Bytes* pack_;
-  static inline ResourceDirectory* directory_;
 };
-
-int stepOf(int srcCount, int dstCount) {
-  return static_cast<int>(static_cast<float>(srcCount * 1024) / static_cast<float>(dstCount));
-}
-
-Bytes stretched(const std::uint8_t* src, int srcSide, int bytesPerPixel, int width, int height) {
-  const int stepX = stepOf(srcSide, width);
-  const int stepY = stepOf(srcSide, height);
-  Bytes dst;
-  dst.reserve(static_cast<std::size_t>(width) * height * bytesPerPixel);
-  for (int y = 0; y < height; ++y) {
-    for (int x = 0; x < width; ++x) {
-      const int pixel = (y * stepY >> 10) * srcSide + (x * stepX >> 10);
-      for (int c = 0; c < bytesPerPixel; ++c) dst.push_back(src[pixel * bytesPerPixel + c]);
-    }
-  }
-  return dst;
-}
-
-Bytes nearest(const std::uint8_t* src, int srcWidth, int srcHeight, int width, int height) {
-  const float ratioX = static_cast<float>(srcWidth) / static_cast<float>(width);
-  const float ratioY = static_cast<float>(srcHeight) / static_cast<float>(height);
-  Bytes dst;
-  for (int y = 0; y < height; ++y) {
-    const int row = static_cast<int>(static_cast<float>(y) * ratioY) * srcWidth;
-    for (int x = 0; x < width; ++x) {
-      dst.push_back(src[row + static_cast<int>(static_cast<float>(x) * ratioX)]);
-    }
-  }
-  return dst;
-}
 
 TEST_F(Handle, UnsizedHoldsTheTexturesAsStored) {
   const Request r = {0, 2, 0, 0};
@@ -122,14 +81,11 @@ TEST_F(Handle, UnsizedHoldsTheTexturesAsStored) {
   const auto image = pack().begin() + 16;
   expectBytes(0, Bytes(image, image + 10 * kGray), "planes 0 to 9");
   expectBytes(13 * kGray, Bytes(image + 10 * kGray, pack().end()), "plane 13, small textures");
+  EXPECT_EQ(Bytes(params() + 244, params() + 249), (Bytes{0, 255, 230, 172, 0})) << "tuning";
 }
 
 // Planes 4 to 9 in the order of the pack's slots 4 to 9, and the mode whose texture each holds.
 constexpr int kPlaneModes[10] = {5, 6, 6, 6, 7, 8, 13, 14, 15, 16};
-
-struct SmallSizes {
-  int a, b, c, d;
-};
 
 class SizedHandle : public Handle, public testing::WithParamInterface<Request> {
  protected:
@@ -137,42 +93,57 @@ class SizedHandle : public Handle, public testing::WithParamInterface<Request> {
     const std::uint32_t kept = GetParam().mode & 255;
     return kept == 0 || kept == static_cast<std::uint32_t>(mode);
   }
+  // Fresh blocks of the test's allocator hold 0xA5, in their first megabytes.
+  void expectUntouched(std::size_t offset, std::size_t count) const {
+    const bool filled = TestAllocator::fillsBlocks() && offset + count < 4'000'000;
+    if (filled) expectBytes(offset, Bytes(count, 0xA5), "not for this mode");
+  }
 };
 
-TEST_P(SizedHandle, HoldsTheTexturesStretched) {
+TEST_P(SizedHandle, HoldsItsModesTexturesStretched) {
   const Request& r = GetParam();
   const int w = r.width, h = r.height, s = (w + h) / 2;
-  const SmallSizes small = {s * 48 / 3000, s * 27 / 3000, s * 17 / 3000, (w + h) / 500};
+  const Sizes blotch = {48, 27, s * 48 / 3000, s * 27 / 3000};
+  const Sizes speck = {17, 12, s * 17 / 3000, (w + h) / 500};
   const std::size_t plane = static_cast<std::size_t>(w) * h;
-  const std::size_t marks = small.a * small.b + small.c * small.d;
+  const std::size_t blotchBytes = blotch.dstWidth * blotch.dstHeight;
+  const std::size_t marks = blotchBytes + speck.dstWidth * speck.dstHeight;
   ASSERT_EQ(make(r), Status::kOk);
   EXPECT_EQ(allocator_.requests(),
             (std::vector<std::uint32_t>{
                 kPackRequest, static_cast<std::uint32_t>(14 * plane + 4112 + marks + 40)}));
   expectHeader(r, w, h, 1);
 
+  const Sizes whole = {1024, 1024, w, h};
   const std::uint8_t* const slots = pack().data() + 16;
   for (int k = 0; k < 10; ++k) {
-    if (holds(kPlaneModes[k]) && kPlaneModes[k] != 6) {
-      SCOPED_TRACE(k);
-      expectBytes(k * plane, stretched(slots + k * kGray, 1024, 1, w, h), "plane");
+    SCOPED_TRACE(k);
+    if (!holds(kPlaneModes[k])) {
+      expectUntouched(k * plane, plane);
+    } else if (kPlaneModes[k] != 6) {
+      expectBytes(k * plane, resampled(slots + k * kGray, whole, 1, fixedPointPosition), "plane");
     }
   }
+  expectUntouched(10 * plane, 3 * plane);  // working memory
   if (holds(6)) {
     const std::uint8_t* const leak = pack().data() + 1048592 + r.direction * 786432;
-    expectBytes(plane, stretched(leak, 512, 3, w, h), "planes 1 to 3");
+    expectBytes(plane, resampled(leak, {512, 512, w, h}, 3, fixedPointPosition), "planes 1 to 3");
   }
-  if (holds(5)) {
-    expectBytes(13 * plane, nearest(slots + 10 * kGray, 1024, 1024, w, h), "plane 13");
-    expectBytes(14 * plane, nearest(pack().data() + 11534352, 48, 27, small.a, small.b), "small 1");
-    expectBytes(14 * plane + small.a * small.b,
-                nearest(pack().data() + 11535648, 17, 12, small.c, small.d), "small 2");
+  if (!holds(5)) {
+    expectUntouched(13 * plane, plane + marks);
+  } else {
+    const std::uint8_t* const small = slots + 11 * kGray;
+    expectBytes(13 * plane, resampled(slots + 10 * kGray, whole, 1, floatingPosition), "plane 13");
+    expectBytes(14 * plane, resampled(small, blotch, 1, floatingPosition), "blotch");
+    expectBytes(14 * plane + blotchBytes, resampled(small + 48 * 27, speck, 1, floatingPosition),
+                "speck");
   }
 }
 INSTANTIATE_TEST_SUITE_P(Sizes, SizedHandle,
                          testing::Values(Request{0, 0, 1920, 1080}, Request{0, 1, 88, 88},
-                                         Request{0, 2, 333, 1001}, Request{0, 3, 1025, 127},
+                                         Request{0, 2, 333, 1166}, Request{0, 3, 1025, 127},
                                          Request{6, 2, 640, 480}, Request{5, 0, 1280, 720},
+                                         Request{8, 0, 88, 90}, Request{17, 0, 88, 90},
                                          Request{256, 0, 89, 90}, Request{264, 1, 91, 88}),
                          [](const auto& item) {
                            const Request& r = item.param;
@@ -181,35 +152,10 @@ INSTANTIATE_TEST_SUITE_P(Sizes, SizedHandle,
                                   "x" + std::to_string(r.height);
                          });
 
-TEST_F(Handle, AFullHighDefinitionHandleTakes29Megabytes) {
-  ASSERT_EQ(make({0, 0, 1920, 1080}), Status::kOk);
-  EXPECT_EQ(allocator_.requests().back(), 29034912u);
-}
-
-// Fresh blocks of the test's allocator hold 0xA5.
-TEST_F(Handle, OnlyTheModesTexturesArePrepared) {
-  if (!TestAllocator::fillsBlocks()) GTEST_SKIP() << "looks at bytes that nobody wrote";
-  const std::size_t plane = 88 * 90;
-  const auto untouched = [&](int k) {
-    return Bytes(textures() + k * plane, textures() + (k + 1) * plane) == Bytes(plane, 0xA5);
-  };
-  ASSERT_EQ(make({8, 0, 88, 90}), Status::kOk);
-  for (int k = 0; k < 14; ++k) EXPECT_EQ(untouched(k), k != 5) << k;
-  ASSERT_EQ(make({17, 0, 88, 90}), Status::kOk);
-  for (int k = 0; k < 14; ++k) EXPECT_TRUE(untouched(k)) << k;
-  ASSERT_EQ(make({0, 0, 88, 90}), Status::kOk);
-  for (int k = 0; k < 14; ++k) EXPECT_EQ(untouched(k), k >= 10 && k < 13) << k;
-}
-
 TEST_F(Handle, TooLargeForTheAllocatorIsExhaustedMemory) {
-  FilterHandle* handle = reinterpret_cast<FilterHandle*>(&allocator_);
   const CapturedLog log;
-  ResourceDirectory directory;
-  ResourceDirectory::write(directory.pack(), pack());
-  EXPECT_EQ(
-      FilterInitSized(0, 20000, 20000, 0, &handle, *allocator_.record(), directory.path().c_str()),
-      Status::kNoMemory);
-  EXPECT_EQ(handle, nullptr);
+  EXPECT_EQ(make({0, 0, 20000, 20000}), Status::kNoMemory);
+  EXPECT_EQ(handle_, nullptr);
   EXPECT_EQ(allocator_.requests(), std::vector<std::uint32_t>{kPackRequest});
   EXPECT_EQ(log.errors(), std::vector<std::string>{"[%s] \ncan't malloc enough memory!"});
 }
@@ -232,25 +178,10 @@ TEST_F(Handle, WorksAtEveryMisalignment) {
     allocator_.setMisalignment(offset);
     ASSERT_EQ(make({7, 0, 88, 88}), Status::kOk);
     expectHeader({7, 0, 88, 88}, 88, 88, 1);
-    expectBytes(4 * 88 * 88, stretched(pack().data() + 16 + 4 * kGray, 1024, 1, 88, 88), "plane 4");
+    const std::uint8_t* const clouds = pack().data() + 16 + 4 * kGray;
+    expectBytes(4 * 88 * 88, resampled(clouds, {1024, 1024, 88, 88}, 1, fixedPointPosition),
+                "clouds");
   }
-}
-
-// Tuning values come from the directory's filter.xml; without one, the built-in ones.
-TEST_F(Handle, TuningIsReadFromTheSameDirectory) {
-  ASSERT_EQ(make({0, 0, 88, 88}), Status::kOk);
-  EXPECT_EQ(Bytes(params() + 244, params() + 249), (Bytes{0, 255, 230, 172, 0}));
-
-  ResourceDirectory directory;
-  ResourceDirectory::write(directory.pack(), pack());
-  ResourceDirectory::write(directory.tuning(),
-                           "<?xml version=\"1.0\"?>\n<Config><filterE><param1>10</param1>"
-                           "<param2>20</param2></filterE></Config>\n" +
-                               std::string(200, ' '));
-  filterDestroy(&handle_);
-  ASSERT_EQ(FilterInitUnsized(0, 0, &handle_, *allocator_.record(), directory.path().c_str()),
-            Status::kOk);
-  EXPECT_EQ(Bytes(params() + 244, params() + 249), (Bytes{0, 10, 20, 172, 0}));
 }
 
 }  // namespace
