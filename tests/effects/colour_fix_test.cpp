@@ -9,6 +9,7 @@
 
 #include "effects/reciprocal_estimate.h"
 #include "pipeline/dispatch.h"
+#include "pipeline/stripe_runner.h"
 #include "support/captured_log.h"
 #include "support/everywhere.h"
 #include "support/test_handle.h"
@@ -96,7 +97,7 @@ class Reference {
       k = (distance - tolerance_) * static_cast<int>(8192.0f / static_cast<float>(tolerance_));
     }
     for (int c = 0; c < 3; ++c) {
-      pixel[c] = static_cast<std::uint8_t>(std::min((pixel[c] * (8192 - k) + grey * k) >> 13, 255));
+      pixel[c] = toByte(std::min((pixel[c] * (8192 - k) + grey * k) >> 13, 255));
     }
   }
 
@@ -115,8 +116,7 @@ class Mask {
         stride_(width + padding),
         buffer_(static_cast<std::size_t>(stride_ * (height - 1) + width)) {
     Noise noise(static_cast<std::uint32_t>(width * 31 + height));
-    std::generate_n(buffer_.data(), buffer_.size(),
-                    [&] { return static_cast<std::uint8_t>(noise.byte() % 3); });
+    std::generate_n(buffer_.data(), buffer_.size(), [&] { return toByte(noise.byte() % 3); });
   }
   void clear() { std::fill_n(buffer_.data(), buffer_.size(), std::uint8_t{0}); }
   int height() const { return height_; }
@@ -146,7 +146,7 @@ class Mask {
   GuardedBuffer buffer_;
 };
 
-// The rows of a stripe and its part of the mask.
+// The rows of a stripe, the row pairs that its part of the mask is laid over, and that part.
 struct Share {
   int firstRow, rows, pairRows, firstMaskRow, maskRows;
 };
@@ -154,14 +154,13 @@ struct Share {
 std::vector<Share> sharesOf(int height, int maskHeight, Threads threads) {
   if (threads == Threads::kCaller) return {{0, height, height, 0, maskHeight}};
   std::vector<Share> shares;
-  int row = 0, maskRow = 0;
-  for (int k = 0; k < 4; ++k) {
-    const int rows = 2 * (height / 2 / 4 + (k < height / 2 % 4));
-    const int maskRows = 2 * (maskHeight / 2 / 4 + (k < maskHeight / 2 % 4));
-    shares.push_back({row, k == 3 ? height - row : rows, rows, maskRow, maskRows});
-    row += rows;
-    maskRow += maskRows;
+  for (int k = 0; k < kStripeCount; ++k) {
+    const Stripe rows = splitRowPairs(height)[k], mask = splitRowPairs(maskHeight)[k];
+    shares.push_back({static_cast<int>(rows.first), static_cast<int>(rows.count),
+                      static_cast<int>(rows.count), static_cast<int>(mask.first),
+                      static_cast<int>(mask.count)});
   }
+  shares.back().rows += height % 2;
   return shares;
 }
 
@@ -182,11 +181,8 @@ void referenceFix(const Picture& picture, const Settings& settings, const Mask* 
 }
 
 FixColorParam paramOf(const Settings& s, const Mask* mask = nullptr) {
-  FixColorParam param{};
-  param.red = static_cast<std::uint8_t>(s.red);
-  param.green = static_cast<std::uint8_t>(s.green);
-  param.blue = static_cast<std::uint8_t>(s.blue);
-  param.tolerance = static_cast<std::uint8_t>(s.tolerance);
+  FixColorParam param{
+      toByte(s.red), toByte(s.green), toByte(s.blue), toByte(s.tolerance), nullptr, 0, 0, 0};
   if (mask != nullptr) mask->describe(param);
   return param;
 }
@@ -234,8 +230,7 @@ void expectColour(const Pixel& colour, const Settings& settings, const Pixel& ex
                   const Mask* mask = nullptr) {
   const auto filled = [](const Pixel& p) {
     TestPicture picture(PixelFormat::kRgba, 88, 88);
-    picture.fill(static_cast<std::uint8_t>(p.r), static_cast<std::uint8_t>(p.g),
-                 static_cast<std::uint8_t>(p.b), 77);
+    picture.fill(p.r, p.g, p.b, 77);
     return picture;
   };
   expectEverywhere(filled(colour), filled(expected), [&](const Picture& copy, Threads threads) {
@@ -269,9 +264,7 @@ TEST(ColourFix, MeasuresTheHueOfEveryColour) {
   for (int first = 0; first < 1 << 24; first += kColourStep * kWidth * kRows) {
     for (int i = 0; i < kWidth * kRows; ++i) {
       const int colour = first + i;
-      const std::uint8_t pixel[] = {static_cast<std::uint8_t>(colour >> 16),
-                                    static_cast<std::uint8_t>(colour >> 8),
-                                    static_cast<std::uint8_t>(colour)};
+      const std::uint8_t pixel[] = {toByte(colour >> 16), toByte(colour >> 8), toByte(colour)};
       std::copy_n(pixel, 3, picture.data() + 4 * i);
     }
     for (const Settings& settings :

@@ -93,7 +93,7 @@ TEST(Gaussian, KeepsConstantPlanes) {
   constexpr int kRowStep = kReduced ? 97 : 5;
   Planes in(64, 64);
   for (int row = 0; row < kGaussianRows; row += kRowStep) {
-    const auto value = static_cast<std::uint8_t>(row / kRowStep * 85);
+    const auto value = toByte(row / kRowStep * 85);
     std::fill(in.bytes.begin(), in.bytes.end(), value);
     EXPECT_EQ(smoothed(in, static_cast<float>(row) / 100 + 0.005f).bytes, in.bytes) << row;
   }

@@ -65,7 +65,9 @@ TEST(CircleMask, EqualsDirectEvaluation) {
       expectDirectEvaluation(300, 200, BlurParam{x, y, inner, outer});
     }
   }
+  // So far away distances are rounded to multiples of 128.
   expectDirectEvaluation(300, 200, BlurParam{-2000000000, 50, 1999999900, 2000000250});
+  expectDirectEvaluation(300, 200, BlurParam{-2000000000, 50, 1999999000, 2000000050});
   // Far from the centre the rounded square root reaches a whole number before the distance does.
   expectDirectEvaluation(20000, 88, BlurParam{0, 0, 16000, 19990});
   expectDirectEvaluation(20000, 88, BlurParam{19999, 3, 4090, 12290});

@@ -32,7 +32,7 @@ void fillBlock(const PlaneBlock& block) {
     }
     const auto mean = sum / static_cast<std::uint64_t>(block.width * block.height);
     for (int x = 0; x < block.width; ++x) {
-      block.corner[x * block.channels + c] = static_cast<std::uint8_t>(mean);
+      block.corner[x * block.channels + c] = toByte(mean);
     }
   }
   for (int y = 1; y < block.height; ++y) {
@@ -88,12 +88,11 @@ TEST(Mosaic, TakesTheTruncatedMean) {
   const TestPicture picture(PixelFormat::kRgba, 16, 16), expected(picture);
   for (int y = 0; y < 16; ++y) {
     for (int x = 0; x < 16; ++x) {
-      const auto byte = [](int v) { return static_cast<std::uint8_t>(v); };
       // A ramp of 0..63 in every block, whose mean is 31.5, and blocks apart in green. Alpha comes
       // from the first row of the block.
       const std::uint8_t green = x < 8 ? 10 : 20;
-      const std::uint8_t before[] = {byte(y % 8 * 8 + x % 8), green, 255, byte(16 * y + x)};
-      const std::uint8_t after[] = {31, green, 255, byte(16 * (y / 8 * 8) + x)};
+      const std::uint8_t before[] = {toByte(y % 8 * 8 + x % 8), green, 255, toByte(16 * y + x)};
+      const std::uint8_t after[] = {31, green, 255, toByte(16 * (y / 8 * 8) + x)};
       std::copy_n(before, 4, picture.view().row(y) + 4 * x);
       std::copy_n(after, 4, expected.view().row(y) + 4 * x);
     }

@@ -15,7 +15,7 @@ Planes makePlanes(int width, int height, Sample sample) {
   Planes out(width, height);
   for (int c = 0; c < kChannelCount; ++c) {
     for (int y = 0; y < height; ++y) {
-      for (int x = 0; x < width; ++x) out.at(c, x, y) = static_cast<std::uint8_t>(sample(c, x, y));
+      for (int x = 0; x < width; ++x) out.at(c, x, y) = toByte(sample(c, x, y));
     }
   }
   return out;
@@ -93,9 +93,8 @@ void mixRgba(const Planes& levelOne, const Picture& p, const Bytes& mask, int we
     for (int x = 0; x < p.widthPixels; ++x) {
       for (int c = 0; c < kChannelCount; ++c) {
         std::uint8_t& sample = p.row(y)[4 * x + c];
-        sample = static_cast<std::uint8_t>(mixed(sample, doubledSample(levelOne, c, x, y), mask,
-                                                 static_cast<std::size_t>(y * p.widthPixels + x),
-                                                 weight));
+        sample = toByte(mixed(sample, doubledSample(levelOne, c, x, y), mask,
+                              static_cast<std::size_t>(y * p.widthPixels + x), weight));
       }
     }
   }
@@ -106,12 +105,10 @@ void mixNv(const Planes& levelOne, const Picture& p, const Bytes& mask, int weig
     for (int x = 0; x < p.widthPixels; ++x) {
       const auto block = static_cast<std::size_t>((y & ~1) * p.widthPixels + (x & ~1));
       std::uint8_t& luma = p.row(y)[x];
-      luma =
-          static_cast<std::uint8_t>(mixed(luma, levelOne.at(0, x / 2, y / 2), mask, block, weight));
+      luma = toByte(mixed(luma, levelOne.at(0, x / 2, y / 2), mask, block, weight));
       if (y % 2 != 0) continue;
       std::uint8_t& chroma = p.chroma()[y / 2 * p.strideBytes + x];
-      chroma = static_cast<std::uint8_t>(
-          mixed(chroma, levelOne.at(1 + x % 2, x / 2, y / 2), mask, block, weight));
+      chroma = toByte(mixed(chroma, levelOne.at(1 + x % 2, x / 2, y / 2), mask, block, weight));
     }
   }
 }
@@ -131,17 +128,16 @@ void runGaussian(float* first, int step, int count, const GaussianCoefficients& 
 std::uint8_t bandValue(double place, double core, double ramp) {
   const float step = ramp > 0 ? 255.0f / static_cast<float>(ramp) : 255.0f;
   if (place < 0 || place >= 2 * ramp + core) return 255;
-  if (place < ramp) return static_cast<std::uint8_t>(255 - static_cast<float>(place) * step);
+  if (place < ramp) return toByte(255 - static_cast<float>(place) * step);
   if (place < ramp + core) return 0;
-  return static_cast<std::uint8_t>(static_cast<float>(place - ramp - core) * step);
+  return toByte(static_cast<float>(place - ramp - core) * step);
 }
 
 }  // namespace
 
 Planes noisePlanes(int width, int height, std::uint32_t seed) {
   Planes planes(width, height);
-  Noise noise(seed);
-  std::generate(planes.bytes.begin(), planes.bytes.end(), [&] { return noise.byte(); });
+  planes.bytes = noiseBytes(planes.bytes.size(), seed);
   return planes;
 }
 
@@ -183,9 +179,8 @@ Planes referenceGaussian(const Planes& in, int row) {
     }
   }
   Planes out(w, h);
-  std::transform(samples.begin(), samples.end(), out.bytes.begin(), [](float v) {
-    return static_cast<std::uint8_t>(std::clamp(v, 0.0f, 255.0f) + 0.5f);
-  });
+  std::transform(samples.begin(), samples.end(), out.bytes.begin(),
+                 [](float v) { return toByte(std::clamp(v, 0.0f, 255.0f) + 0.5f); });
   return out;
 }
 
@@ -212,8 +207,8 @@ Bytes referenceMask(int width, int height, const BlurParam& circle) {
       const float d = std::sqrt(static_cast<float>(sum));
       const auto whole = static_cast<std::int64_t>(d);
       if (whole > outer) continue;
-      mask[static_cast<std::size_t>(y * width + x)] = static_cast<std::uint8_t>(
-          d > static_cast<double>(inner) ? 255 - (((outer - whole) * k) >> 11) : 0);
+      mask[static_cast<std::size_t>(y * width + x)] =
+          toByte(d > static_cast<double>(inner) ? 255 - (((outer - whole) * k) >> 11) : 0);
     }
   }
   return mask;

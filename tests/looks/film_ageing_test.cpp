@@ -21,10 +21,7 @@ struct Mark {
 };
 
 Mark noiseMark(int width, int height, std::uint32_t seed) {
-  Mark mark{Bytes(static_cast<std::size_t>(width) * height), width, height};
-  Noise noise(seed);
-  for (std::uint8_t& v : mark.texels) v = noise.byte();
-  return mark;
+  return {noiseBytes(static_cast<std::size_t>(width) * height, seed), width, height};
 }
 
 // The plain form. Every product is stored before it is added, so that nothing is fused.
@@ -50,7 +47,7 @@ void referenceGrain(const Picture& picture, const Bytes& grain) {
       std::uint8_t* const p = picture.row(y) + x * (picture.isRgba() ? 4 : 1);
       const bool isDark = (picture.isRgba() ? greyOfFilm(p) : p[0]) <= 23;
       for (int c = 0; c < channels; ++c) {
-        p[c] = static_cast<std::uint8_t>(grained(p[c], texel, isDark));
+        p[c] = toByte(grained(p[c], texel, isDark));
       }
     }
   }
@@ -85,7 +82,7 @@ void referenceStamp(const Picture& picture, const Mark& mark, int count) {
 // What is left of a mark's bytes.
 void prepare(Mark& blotch, Mark& speck) {
   for (std::uint8_t& v : blotch.texels) {
-    v = v > 79 ? static_cast<std::uint8_t>(v + (255 - v) / 2) : 0;
+    v = v > 79 ? toByte(v + (255 - v) / 2) : 0;
   }
   for (std::uint8_t& v : speck.texels) v = v > 79 ? 255 : 0;
 }
@@ -125,8 +122,8 @@ TEST(FilmGrain, EqualsThePlainFormForEveryLumaAndTexel) {
   Bytes grain(65536);
   const TestPicture luma(PixelFormat::kNv12, 256, 256);
   for (int i = 0; i < 65536; ++i) {
-    luma.data()[i] = static_cast<std::uint8_t>(i);
-    grain[i] = static_cast<std::uint8_t>(i >> 8);
+    luma.data()[i] = toByte(i);
+    grain[i] = toByte(i >> 8);
   }
   // Dark colours and others, at a width that leaves a tail.
   const TestPicture colours(PixelFormat::kRgba, 251, 256, 12, 9);
@@ -151,9 +148,8 @@ class FilmMarks : public testing::Test {
 TEST_F(FilmMarks, LieWhereTheGeneratorSaysAndGrowWhiter) {
   for (const PixelFormat format : kFormats) {
     const TestPicture picture(format, 1500, 1000, 36), expected(picture);
-    Bytes grain(1500 * 1000);
-    Noise noise(8);
-    for (std::uint8_t& v : grain) v = static_cast<std::uint8_t>(noise.byte() / 2);
+    Bytes grain = noiseBytes(1500 * 1000, 8);
+    for (std::uint8_t& v : grain) v /= 2;
     // Marks of a picture of that size.
     Mark blotch = noiseMark(20, 11, 5), speck = noiseMark(7, 5, 6);
     Mark plainBlotch = blotch, plainSpeck = speck;
@@ -180,10 +176,10 @@ TEST_F(FilmMarks, ShowOnMiddlingGroundOnly) {
     for (const PixelFormat format : {PixelFormat::kRgba, PixelFormat::kNv21}) {
       int texel = 0, before = 25;
       while (grained(before, texel, false) != mean) texel == 255 ? (texel = 0, ++before) : ++texel;
-      const auto value = static_cast<std::uint8_t>(before);
+      const auto value = toByte(before);
       TestPicture picture(format, 600, 400);
       picture.fill(value, value, value);
-      const Bytes grain(600 * 400, static_cast<std::uint8_t>(texel));
+      const Bytes grain(600 * 400, toByte(texel));
       // Most of a mark is as bright as its ground, so that ground stays ground for the next one.
       Mark blotch{Bytes(20 * 11, 0), 20, 11}, speck{Bytes(7 * 5, 0), 7, 5};
       blotch.texels[37] = speck.texels[17] = 90;

@@ -16,13 +16,6 @@ constexpr int kWidthStep = kReduced ? 9 : 2;
 constexpr std::uint32_t kNvSamples = kReduced ? 1 : 6;
 constexpr int kColourStep = kReduced ? 37 : 1;
 
-Bytes noise(std::size_t count, std::uint32_t seed) {
-  Bytes bytes(count);
-  Noise source(seed);
-  for (std::uint8_t& b : bytes) b = source.byte();
-  return bytes;
-}
-
 struct Case {
   const ReferenceLook* look;
   int ratio;
@@ -39,8 +32,6 @@ std::vector<Case> allCases() {
   return cases;
 }
 
-std::uint8_t byte(int v) { return static_cast<std::uint8_t>(v); }
-
 int texelBytesOf(const Case& c) { return c.look->look().textureBytesPerPixel; }
 
 // Compares the look with its plain form on the same picture and texture, which ends at an
@@ -48,7 +39,7 @@ int texelBytesOf(const Case& c) { return c.look->look().textureBytesPerPixel; }
 void expectPlainForm(const Case& c, const TestPicture& picture, const Bytes& texture) {
   SCOPED_TRACE(testing::Message() << c.look->name << " ratio " << c.ratio
                                   << (c.stored ? " stored" : " built in"));
-  Bytes block = noise(sizeof(LookCurveBlock) + 2, 7);
+  Bytes block = noiseBytes(sizeof(LookCurveBlock) + 2, 7);
   block[0] = 0;
   const std::uint8_t* const blockOrNull = c.stored ? block.data() : nullptr;
   const TestPicture expected(picture);
@@ -62,7 +53,7 @@ void expectPlainForm(const Case& c, const TestPicture& picture, const Bytes& tex
 void expectPlainForm(const Case& c, const TestPicture& picture, std::uint32_t textureSeed) {
   const Picture& view = picture.view();
   const auto texels = static_cast<std::size_t>(view.widthPixels) * view.heightRows;
-  expectPlainForm(c, picture, noise(texels * texelBytesOf(c), textureSeed));
+  expectPlainForm(c, picture, noiseBytes(texels * texelBytesOf(c), textureSeed));
 }
 
 TEST(Looks, EqualThePlainFormulasForEveryChannelAndTexel) {
@@ -70,15 +61,15 @@ TEST(Looks, EqualThePlainFormulasForEveryChannelAndTexel) {
   TestPicture picture(PixelFormat::kRgba, 256, 256);
   for (int i = 0; i < 65536; ++i) {
     std::uint8_t* const p = picture.data() + 4 * i;
-    p[0] = byte(i);
-    p[1] = byte(i * 5);
-    p[2] = byte(255 - i);
+    p[0] = toByte(i);
+    p[1] = toByte(i * 5);
+    p[2] = toByte(255 - i);
   }
   for (const Case& c : allCases()) {
     const auto rowBytes = 256u * static_cast<unsigned>(texelBytesOf(c));
     Bytes texture(256 * rowBytes);
     for (std::size_t i = 0; i < texture.size(); ++i) {
-      texture[i] = static_cast<std::uint8_t>(i / rowBytes * (1 + 2 * (i % (rowBytes / 256))));
+      texture[i] = toByte(i / rowBytes * (1 + 2 * (i % (rowBytes / 256))));
     }
     expectPlainForm(c, picture, texture);
   }
@@ -121,7 +112,7 @@ TEST(Looks, EqualThePlainFormulasForEveryColour) {
     for (int blue = 0; blue < 256; blue += kColourStep) {
       TestPicture picture(PixelFormat::kRgba, 256, 256);
       for (int i = 0; i < 65536; ++i) {
-        const std::uint8_t pixel[4] = {byte(i), byte(i >> 8), byte(blue), 0};
+        const std::uint8_t pixel[4] = {toByte(i), toByte(i >> 8), toByte(blue), 0};
         std::copy_n(pixel, 4, picture.data() + 4 * i);
       }
       expectPlainForm({&*look, 16, false}, picture, Bytes());
@@ -236,9 +227,9 @@ TEST(Looks, GiveTheWorkedValues) {
   for (const Worked& c : kWorked) {
     SCOPED_TRACE(testing::Message() << "case " << &c - kWorked);
     TestPicture picture(c.format, 90, 88), expected(c.format, 90, 88);
-    picture.fill(byte(c.in.r), byte(c.in.g), byte(c.in.b), 7);
-    expected.fill(byte(c.out.r), byte(c.out.g), byte(c.out.b), 7);
-    const std::uint8_t texel[3] = {byte(c.texel.r), byte(c.texel.g), byte(c.texel.b)};
+    picture.fill(c.in.r, c.in.g, c.in.b, 7);
+    expected.fill(c.out.r, c.out.g, c.out.b, 7);
+    const std::uint8_t texel[3] = {toByte(c.texel.r), toByte(c.texel.g), toByte(c.texel.b)};
     const int texelBytes = c.look().textureBytesPerPixel;
     Bytes texture(90u * 88 * texelBytes);
     for (std::size_t i = 0; i < texture.size(); ++i) texture[i] = texel[i % texelBytes];

@@ -26,7 +26,7 @@ int curveLookup(const Knots& knots, int x) {
 Knots mixedKnots(const Knots& a, const Knots& b, int weight) {
   Knots out{};
   for (int j = 0; j < kKnotCount; ++j) {
-    out.at[j] = static_cast<std::uint8_t>(((16 - weight) * a.at[j] + weight * b.at[j] + 8) >> 4);
+    out.at[j] = toByte(((16 - weight) * a.at[j] + weight * b.at[j] + 8) >> 4);
   }
   return out;
 }
@@ -74,7 +74,7 @@ Curves halfRampedCurves(const Look& look, const ReferenceTuning& tuning) {
     const Knots& strong = strongCurve(look, c);
     for (int j = 0; j < kKnotCount; ++j) {
       const int sum = (48 - tuning.ratio) * curves[c].at[j] + (tuning.ratio - 16) * strong.at[j];
-      curves[c].at[j] = static_cast<std::uint8_t>((sum + 16) >> 5);
+      curves[c].at[j] = toByte((sum + 16) >> 5);
     }
   }
   return curves;

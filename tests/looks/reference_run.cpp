@@ -34,7 +34,7 @@ Means meansOf(const Block& block, bool halfAdds) {
 }
 
 std::uint8_t chromaOf(int channel, int luma, int weight, int neutral) {
-  return static_cast<std::uint8_t>(clampByte((weight * (channel - luma) + 64 * neutral + 32) >> 6));
+  return toByte(clampByte((weight * (channel - luma) + 64 * neutral + 32) >> 6));
 }
 
 void runRgba(const Picture& picture, const PixelFunction& function, const std::uint8_t* texture,
@@ -46,9 +46,9 @@ void runRgba(const Picture& picture, const PixelFunction& function, const std::u
       const std::uint8_t* const texel =
           texture + (std::ptrdiff_t{y} * picture.widthPixels + x) * texelBytes;
       const Colour out = function({in, greyOf(in), texel, false});
-      p[0] = static_cast<std::uint8_t>(out.r);
-      p[1] = static_cast<std::uint8_t>(out.g);
-      p[2] = static_cast<std::uint8_t>(out.b);
+      p[0] = toByte(out.r);
+      p[1] = toByte(out.g);
+      p[2] = toByte(out.b);
     }
   }
 }
@@ -73,7 +73,7 @@ void referenceRun(const Picture& picture, const PixelFunction& function,
         block.colour[k] = function({in, luma, texel, true});
       }
       for (int k = 0; k < 4; ++k) {
-        picture.row(y + k / 2)[x + k % 2] = static_cast<std::uint8_t>(greyOf(block.colour[k]));
+        picture.row(y + k / 2)[x + k % 2] = toByte(greyOf(block.colour[k]));
       }
       const Means means = meansOf(block, conversion.halfAdds);
       pair[vIndex] = chromaOf(means.red, means.luma, 46, conversion.neutralOut);

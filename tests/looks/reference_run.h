@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "platform/picture.h"
+#include "support/test_picture.h"
 
 namespace lumora::test {
 

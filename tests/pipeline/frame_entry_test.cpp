@@ -302,8 +302,8 @@ TEST(Strength, BlendsTheLookWithTheUntouchedPicture) {
       ASSERT_EQ(run(call, handle.get(), weak.image()), 0u);
       const int weight = strength / 2 + 8;
       for (std::size_t i = 0; i < full.bytes(); ++i) {
-        full.data()[i] = static_cast<std::uint8_t>(
-            (untouched.data()[i] * (16 - weight) + full.data()[i] * weight + 8) >> 4);
+        full.data()[i] =
+            toByte((untouched.data()[i] * (16 - weight) + full.data()[i] * weight + 8) >> 4);
       }
       EXPECT_EQ(weak.difference(full), kNone);
       const TestPicture single(untouched);

@@ -15,7 +15,7 @@ class StrengthBlend : public testing::TestWithParam<int> {
 };
 
 std::uint8_t mixed(int copy, int filtered, int weight) {
-  return static_cast<std::uint8_t>((copy * (16 - weight) + filtered * weight + 8) >> 4);
+  return toByte((copy * (16 - weight) + filtered * weight + 8) >> 4);
 }
 
 TEST_P(StrengthBlend, MixesEveryPairAtEveryWeight) {
@@ -23,8 +23,8 @@ TEST_P(StrengthBlend, MixesEveryPairAtEveryWeight) {
   GuardedBuffer copy(kPairs), picture(kPairs);
   for (int weight = 0; weight <= 16; ++weight) {
     for (std::size_t i = 0; i < kPairs; ++i) {
-      copy.data()[i] = static_cast<std::uint8_t>(i);
-      picture.data()[i] = static_cast<std::uint8_t>(i >> 8);
+      copy.data()[i] = toByte(i);
+      picture.data()[i] = toByte(i >> 8);
     }
     FilterBlend(copy.data(), picture.data(), kPairs, weight);
     int wrong = 0;

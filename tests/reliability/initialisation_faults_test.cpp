@@ -269,7 +269,7 @@ TEST_P(InitialisationFaults, APackOfAnotherSizeIsRefusedBeforeAnyRequest) {
 TEST_P(InitialisationFaults, CheckedHeaderBytesOfThePackMustBeRight) {
   for (std::size_t i = 0; i < kPackHeaderBytes; ++i) {
     SCOPED_TRACE(i);
-    directory_.overwritePack(i, {static_cast<std::uint8_t>(PackDirectory::packBytes()[i] + 1)});
+    directory_.overwritePack(i, {toByte(PackDirectory::packBytes()[i] + 1)});
     const std::uint32_t status = initialise();
     if (i < 4 || i >= 10) {
       expectRefused(status, i < 4 ? kHeaderError : kMarkError);

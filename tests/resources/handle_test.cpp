@@ -54,13 +54,11 @@ class Handle : public testing::Test {
   const std::uint8_t* textures() const { return base() + 32 + 4096; }
 
   void expectHeader(const Request& r, int width, int height, int prepared) {
-    const Bytes expected = {
-        static_cast<std::uint8_t>(width >> 8), static_cast<std::uint8_t>(width & 255),
-        static_cast<std::uint8_t>(height >> 8), static_cast<std::uint8_t>(height & 255),
-        static_cast<std::uint8_t>(r.direction), static_cast<std::uint8_t>(r.mode & 255),
-        static_cast<std::uint8_t>(prepared),
-        // Carried over from the pack.
-        14, 15, 16, 1, 4, 1, 1, 0, 4};
+    const Bytes expected = {toByte(width >> 8), toByte(width & 255), toByte(height >> 8),
+                            toByte(height & 255), toByte(r.direction), toByte(r.mode & 255),
+                            toByte(prepared),
+                            // Carried over from the pack.
+                            14, 15, 16, 1, 4, 1, 1, 0, 4};
     EXPECT_EQ(Bytes(header(), header() + 16), expected);
     EXPECT_EQ(std::memcmp(base(), allocator_.record(), sizeof(FilterAllocator)), 0);
   }

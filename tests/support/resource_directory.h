@@ -12,10 +12,8 @@
 namespace lumora::test {
 
 // The bytes of a texture pack full of noise: a valid header, no two textures alike.
-inline std::vector<std::uint8_t> noisyPack() {
-  std::vector<std::uint8_t> pack(11535852);
-  Noise noise(11);
-  for (std::uint8_t& byte : pack) byte = noise.byte();
+inline Bytes noisyPack() {
+  Bytes pack = noiseBytes(11535852, 11);
   const std::uint8_t header[16] = {4, 0, 4, 0, 11, 12, 13, 14, 15, 16, 1, 4, 1, 1, 0, 4};
   std::copy(header, header + 16, pack.begin());
   return pack;

@@ -18,12 +18,18 @@ std::ptrdiff_t strideOf(PixelFormat format, int width, int extraStride) {
 
 }  // namespace
 
+Bytes noiseBytes(std::size_t count, std::uint32_t seed) {
+  Bytes bytes(count);
+  Noise noise(seed);
+  std::generate(bytes.begin(), bytes.end(), [&] { return noise.byte(); });
+  return bytes;
+}
+
 TestPicture::TestPicture(PixelFormat format, int width, int height, int extraStride,
                          std::uint32_t seed, Placement placement)
     : buffer_(byteCount(format, height, strideOf(format, width, extraStride)), placement),
       view_{format, buffer_.data(), width, height, strideOf(format, width, extraStride)} {
-  Noise noise(seed);
-  std::generate_n(data(), bytes(), [&] { return noise.byte(); });
+  assign(noiseBytes(bytes(), seed));
 }
 
 TestPicture::TestPicture(const TestPicture& other) : buffer_(other.bytes()), view_(other.view_) {
@@ -73,15 +79,15 @@ std::string TestPicture::description() const {
 
 void TestPicture::assign(const Bytes& bytes) { std::copy(bytes.begin(), bytes.end(), data()); }
 
-void TestPicture::fill(std::uint8_t a, std::uint8_t b, std::uint8_t c, std::uint8_t alpha) {
+void TestPicture::fill(int a, int b, int c, int alpha) {
   for (int y = 0; y < view_.heightRows; ++y) {
     for (int x = 0; x < view_.widthPixels; ++x) {
       if (view_.isRgba()) {
-        const std::uint8_t pixel[4] = {a, b, c, alpha};
+        const std::uint8_t pixel[4] = {toByte(a), toByte(b), toByte(c), toByte(alpha)};
         std::memcpy(view_.row(y) + 4 * x, pixel, 4);
       } else {
-        view_.row(y)[x] = a;
-        if (y % 2 == 0) view_.chroma()[y / 2 * view_.strideBytes + x] = x % 2 == 0 ? b : c;
+        view_.row(y)[x] = toByte(a);
+        if (y % 2 == 0) view_.chroma()[y / 2 * view_.strideBytes + x] = toByte(x % 2 == 0 ? b : c);
       }
     }
   }

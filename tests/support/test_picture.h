@@ -41,6 +41,13 @@ class Noise {
   std::uint32_t state_;
 };
 
+Bytes noiseBytes(std::size_t count, std::uint32_t seed);
+
+template <class T>
+constexpr std::uint8_t toByte(T v) {
+  return static_cast<std::uint8_t>(v);
+}
+
 // A picture whose last byte (padding of the last row included) lies right before an inaccessible
 // page, or the first one right after it; before a page its address is odd when its size is. Filled
 // with noise, padding and alpha too.
@@ -64,7 +71,7 @@ class TestPicture {
   std::string description() const;  // format and size
   void assign(const Bytes& bytes);
   // Every pixel this colour (RGBA), or these luma and chroma bytes (NV).
-  void fill(std::uint8_t a, std::uint8_t b, std::uint8_t c, std::uint8_t alpha = 255);
+  void fill(int a, int b, int c, int alpha = 255);
 
  private:
   GuardedBuffer buffer_;
