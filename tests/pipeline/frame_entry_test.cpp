@@ -131,10 +131,17 @@ std::vector<Scene> scenes() {
   return all;
 }
 
+// With a handle made for one texture look.
+class FrameEntry : public testing::Test {
+ protected:
+  TestAllocator allocator_;
+  const TestHandle handle_{allocator_, {.mode = LUMORA_MODE_HUDSON}};
+};
+using FrameChecks = FrameEntry;
+using Strength = FrameEntry;
+
 // With two faults at once the one that comes first in the order wins, in both calls.
-TEST(FrameChecks, FindTheFirstOfTwoFaults) {
-  TestAllocator allocator;
-  const TestHandle handle(allocator, {.mode = 14});
+TEST_F(FrameChecks, FindTheFirstOfTwoFaults) {
   std::uint8_t neverTouched = 0;
   for (const Scene& scene : scenes()) {
     const bool isRgba = scene.format == LUMORA_FORMAT_RGBA;
@@ -142,7 +149,7 @@ TEST(FrameChecks, FindTheFirstOfTwoFaults) {
     for (std::size_t i = 0; i < scene.faults.size(); ++i) {
       for (std::size_t j = i; j < scene.faults.size(); ++j) {
         SCOPED_TRACE(testing::Message() << scene.name << ", faults " << i << " and " << j);
-        HostCall call(handle, image, scene.mode);
+        HostCall call(handle_, image, scene.mode);
         call.param().rectWidth = call.param().rectHeight = 16;
         call.param().mosaicSize = 8;
         scene.faults[j].apply(call);
@@ -157,11 +164,11 @@ TEST(FrameChecks, FindTheFirstOfTwoFaults) {
       }
     }
   }
-  EXPECT_TRUE(allocator.requests().empty());
+  EXPECT_TRUE(allocator_.requests().empty());
 }
 
 // One step too far at every edge, in a picture of which nothing may be touched.
-TEST(FrameChecks, RefuseAMosaicAtEachOfItsEdges) {
+TEST_F(FrameChecks, RefuseAMosaicAtEachOfItsEdges) {
   static constexpr const char *kOutside = "out of picture", *kOddSide = "width or height of region",
                               *kOddStart = "start possition", *kSmall = "too small",
                               *kBig = "too big", *kBlock = "block is out of range";
@@ -190,12 +197,10 @@ TEST(FrameChecks, RefuseAMosaicAtEachOfItsEdges) {
       {0, 0, 14, 16, 15, kBlock},
       {0, 0, 16, 16, INT32_MIN, kBlock},
   };
-  TestAllocator allocator;
-  const TestHandle handle(allocator, {});
   std::uint8_t neverTouched = 0;
   for (const auto& given : kCases) {
     const CapturedLog log;
-    HostCall call(handle, {LUMORA_FORMAT_RGBA, &neverTouched, 2100, 2100, 8400}, 17);
+    HostCall call(handle_, {LUMORA_FORMAT_RGBA, &neverTouched, 2100, 2100, 8400}, 17);
     FilterProcessParam& param = call.param();
     std::tie(param.rectX, param.rectY) = std::tie(given.x, given.y);
     std::tie(param.rectWidth, param.rectHeight) = std::tie(given.width, given.height);
@@ -206,73 +211,65 @@ TEST(FrameChecks, RefuseAMosaicAtEachOfItsEdges) {
   }
 }
 
-TEST(FrameChecks, AcceptTheLimitsOfEveryRange) {
-  TestAllocator allocator;
-  const TestHandle handle(allocator, {.mode = 14});
+TEST_F(FrameChecks, AcceptTheLimitsOfEveryRange) {
   TestPicture picture(PixelFormat::kRgba, 88, 88);
   for (const std::uint32_t mode : {1u, 12u, 17u}) {
-    HostCall call(handle, picture.image(), mode, 32);
+    HostCall call(handle_, picture.image(), mode, 32);
     call.param().rectWidth = call.param().rectHeight = 8;
     call.param().mosaicSize = 8;
     call.param().eDirection = 3;
     EXPECT_EQ(call.process(), 0u) << "a handle for one texture look refuses mode " << mode;
   }
   for (const std::uint32_t side : {0u, 87u, 20001u, UINT32_MAX}) {
-    HostCall call(handle, picture.image(), 12);
+    HostCall call(handle_, picture.image(), 12);
     call.image.width = side;
     EXPECT_EQ(call.process(), 256u) << side;
   }
 }
 
-TEST(FrameChecks, RefuseUnknownModesAfterTheCopy) {
-  TestAllocator allocator;
-  const TestHandle handle(allocator, {});
+TEST_F(FrameChecks, RefuseUnknownModesAfterTheCopy) {
   const TestPicture picture(PixelFormat::kNv12, 88, 88), before(picture);
   for (const std::uint32_t mode : {0u, kModeCount + 1, 4000000000u}) {
     const CapturedLog log;
-    HostCall call(handle, picture.image(), mode, 3);
+    HostCall call(handle_, picture.image(), mode, 3);
     call.param().singleThread = 1;
     EXPECT_EQ(call.process(), 256u);
     EXPECT_EQ(log.errors(), (Texts{"[%s] mode error!\n", "[%s] process failed!\n"}));
   }
-  EXPECT_EQ(allocator.requests().size(), 3u);
-  EXPECT_EQ(allocator.liveBlocks(), 1) << "the handle alone";
+  EXPECT_EQ(allocator_.requests().size(), 3u);
+  EXPECT_EQ(allocator_.liveBlocks(), 1) << "the handle alone";
   EXPECT_EQ(picture.difference(before), kNone);
 }
 
-struct Strength {
+struct StrengthCase {
   int given;
   int rewritten;
   bool copied;
 };
 
-TEST(Strength, IsRewrittenAndDecidesAboutTheCopy) {
-  TestAllocator allocator;
-  const TestHandle handle(allocator, {});
-  const Strength cases[] = {{0, 8, true},   {1, 8, true},    {8, 12, true},   {12, 14, true},
-                            {15, 15, true}, {16, 16, false}, {17, 17, false}, {32, 32, false}};
-  for (const Strength& s : cases) {
+TEST_F(Strength, IsRewrittenAndDecidesAboutTheCopy) {
+  const StrengthCase cases[] = {{0, 8, true},   {1, 8, true},    {8, 12, true},   {12, 14, true},
+                                {15, 15, true}, {16, 16, false}, {17, 17, false}, {32, 32, false}};
+  for (const StrengthCase& s : cases) {
     for (const PixelFormat format : kFormats) {
       TestPicture picture(format, 90, 88, 7);
-      allocator.clearRequests();
-      HostCall call(handle, picture.image(), 12, s.given);
+      allocator_.clearRequests();
+      HostCall call(handle_, picture.image(), 12, s.given);
       ASSERT_EQ(call.process(), 0u);
       EXPECT_EQ(call.param().effectRatio, s.rewritten);
       const auto request = static_cast<std::uint32_t>(picture.bytes() + 16);
-      EXPECT_EQ(allocator.requests(),
+      EXPECT_EQ(allocator_.requests(),
                 s.copied ? std::vector<std::uint32_t>{request} : std::vector<std::uint32_t>{});
-      EXPECT_EQ(allocator.liveBlocks(), 1) << "the handle alone";
+      EXPECT_EQ(allocator_.liveBlocks(), 1) << "the handle alone";
     }
   }
 }
 
 // The camera's call rewrites it before it refuses the mode; in the album's it is the blur level.
-TEST(Strength, OfBlurIsItsLevelInTheAlbumCallAlone) {
-  TestAllocator allocator;
-  const TestHandle handle(allocator, {});
+TEST_F(Strength, OfBlurIsItsLevelInTheAlbumCallAlone) {
   const TestPicture picture(PixelFormat::kRgba, 90, 88);
   for (const std::uint32_t mode : {LUMORA_MODE_BLUR, LUMORA_MODE_TILT_SHIFT}) {
-    HostCall camera(handle, picture.image(), mode, 3), album(handle, picture.image(), mode, 3);
+    HostCall camera(handle_, picture.image(), mode, 3), album(handle_, picture.image(), mode, 3);
     EXPECT_EQ(camera.process(), 256u);
     EXPECT_EQ(camera.param().effectRatio, 9);
     EXPECT_EQ(album.processForAlbum(), 0u);
@@ -288,9 +285,8 @@ bool isBlended(std::uint32_t mode) {
 
 // The blended result is the mix of the full one and the untouched picture; through the album call
 // and on one thread as well.
-TEST(Strength, BlendsTheLookWithTheUntouchedPicture) {
-  TestAllocator allocator;
-  const TestHandle handle(allocator, handleLayout(TexturePath::kPrepared, {90, 88}));
+TEST_F(Strength, BlendsTheLookWithTheUntouchedPicture) {
+  const TestHandle handle(allocator_, handleLayout(TexturePath::kPrepared, {90, 88}));
   for (ModeCall call : allModeCalls()) {
     if (!isBlended(call.mode)) continue;
     for (const int strength : {0, 5, 15}) {
@@ -318,26 +314,22 @@ TEST(Strength, BlendsTheLookWithTheUntouchedPicture) {
   }
 }
 
-TEST(Memory, AByteCountBeyondTheAllocatorsSizeIsExhaustedMemory) {
-  TestAllocator allocator;
-  const TestHandle handle(allocator, {});
+TEST_F(FrameEntry, TakesAByteCountBeyondTheAllocatorsSizeForExhaustedMemory) {
   std::uint8_t neverTouched = 0;
   for (const std::uint32_t format : {LUMORA_FORMAT_RGBA, LUMORA_FORMAT_NV12}) {
     for (const std::int32_t stride : {INT32_MAX, 214749}) {
-      HostCall call(handle, {format, &neverTouched, 88, 20000, stride}, 12, 0);
+      HostCall call(handle_, {format, &neverTouched, 88, 20000, stride}, 12, 0);
       EXPECT_EQ(call.process(), 512u);
     }
   }
-  EXPECT_TRUE(allocator.requests().empty());
+  EXPECT_TRUE(allocator_.requests().empty());
 }
 
-TEST(StandardOutput, CarriesTwoLinesAroundTheFourThreadedNv12Step) {
-  TestAllocator allocator;
-  const TestHandle handle(allocator, {});
+TEST_F(FrameEntry, PrintsTwoLinesAroundTheFourThreadedNv12Step) {
   for (const PixelFormat format : kFormats) {
     for (const int singleThread : {0, 1}) {
       TestPicture picture(format, 88, 88);
-      HostCall call(handle, picture.image(), 12);
+      HostCall call(handle_, picture.image(), 12);
       call.param().singleThread = singleThread;
       testing::internal::CaptureStdout();
       call.process();

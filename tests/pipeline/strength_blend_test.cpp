@@ -3,65 +3,58 @@
 
 #include <gtest/gtest.h>
 
-#include "support/test_picture.h"
+#include "support/everywhere.h"
 #include "support/thread_faults.h"
 
 namespace lumora::test {
 namespace {
 
-class StrengthBlend : public testing::TestWithParam<int> {
- protected:
-  ForcedLevel level_{GetParam()};
-};
-
-std::uint8_t mixed(int copy, int filtered, int weight) {
-  return toByte((copy * (16 - weight) + filtered * weight + 8) >> 4);
-}
-
-TEST_P(StrengthBlend, MixesEveryPairAtEveryWeight) {
-  constexpr std::size_t kPairs = 65536;
-  GuardedBuffer copy(kPairs), picture(kPairs);
-  for (int weight = 0; weight <= 16; ++weight) {
-    for (std::size_t i = 0; i < kPairs; ++i) {
-      copy.data()[i] = toByte(i);
-      picture.data()[i] = toByte(i >> 8);
+// The guarded ends catch one byte too far.
+void expectMixed(const Bytes& copy, const Bytes& picture, int weight) {
+  Bytes expected(copy.size());
+  for (std::size_t i = 0; i < copy.size(); ++i) {
+    expected[i] = toByte((copy[i] * (16 - weight) + picture[i] * weight + 8) >> 4);
+  }
+  const GuardedBuffer guardedCopy(copy);
+  for (const int level : supportedLevels()) {
+    const ForcedLevel forced(level);
+    for (const Threads threads : kBothThreads) {
+      const GuardedBuffer result(picture);
+      if (threads == Threads::kCaller) {
+        FilterBlend(guardedCopy.data(), result.data(), result.size(), weight);
+      } else {
+        ASSERT_EQ(FilterBlend_multiThread(guardedCopy.data(), result.data(), result.size(), weight),
+                  Status::kOk);
+      }
+      ASSERT_TRUE(std::equal(expected.begin(), expected.end(), result.data()))
+          << copy.size() << " bytes, weight " << weight << " on " << vectorLevelName(level);
+      ASSERT_TRUE(result.isIntact());
     }
-    FilterBlend(copy.data(), picture.data(), kPairs, weight);
-    int wrong = 0;
-    for (int i = 0; i < 65536; ++i) wrong += picture.data()[i] != mixed(i & 255, i >> 8, weight);
-    EXPECT_EQ(wrong, 0) << "weight " << weight;
   }
 }
 
-// Both forms, at every length around the vector sizes; the guarded ends catch one byte too far.
-TEST_P(StrengthBlend, TouchesItsOwnBytesAlone) {
-  for (std::size_t bytes = 32; bytes < 300; ++bytes) {
-    GuardedBuffer copy(bytes), one(bytes), four(bytes);
-    std::vector<std::uint8_t> expected(bytes);
-    Noise noise(static_cast<std::uint32_t>(bytes));
-    for (std::size_t i = 0; i < bytes; ++i) {
-      copy.data()[i] = noise.byte();
-      one.data()[i] = four.data()[i] = noise.byte();
-      expected[i] = mixed(copy.data()[i], one.data()[i], 11);
-    }
-    FilterBlend(copy.data(), one.data(), bytes, 11);
-    ASSERT_EQ(FilterBlend_multiThread(copy.data(), four.data(), bytes, 11), Status::kOk);
-    EXPECT_TRUE(std::equal(expected.begin(), expected.end(), one.data())) << bytes;
-    EXPECT_TRUE(std::equal(expected.begin(), expected.end(), four.data())) << bytes;
-    EXPECT_TRUE(one.isIntact() && four.isIntact());
+TEST(StrengthBlend, MixesEveryPairAtEveryWeight) {
+  Bytes copy(65536), picture(65536);
+  for (std::size_t i = 0; i < copy.size(); ++i) {
+    copy[i] = toByte(i);
+    picture[i] = toByte(i >> 8);
+  }
+  for (int weight = 0; weight <= 16; ++weight) expectMixed(copy, picture, weight);
+}
+
+TEST(StrengthBlend, TouchesItsOwnBytesAlone) {
+  for (std::uint32_t bytes = 32; bytes < 300; ++bytes) {
+    expectMixed(noiseBytes(bytes, bytes), noiseBytes(bytes, 1), 11);
   }
 }
 
-TEST_P(StrengthBlend, LeavesTheStripeOfAMissingWorkerFiltered) {
-  constexpr std::size_t kBytes = 103;
-  std::vector<std::uint8_t> copy(kBytes, 0), picture(kBytes, 255);
+TEST(StrengthBlend, LeavesTheStripeOfAMissingWorkerFiltered) {
+  Bytes copy(103, 0), picture(103, 255);
   const ThreadFaults faults(1u << 3);
-  EXPECT_EQ(FilterBlend_multiThread(copy.data(), picture.data(), kBytes, 8), Status::kThreadFailed);
-  for (std::size_t i = 0; i < kBytes; ++i) EXPECT_EQ(picture[i], i < 75 ? 128 : 255) << i;
+  EXPECT_EQ(FilterBlend_multiThread(copy.data(), picture.data(), copy.size(), 8),
+            Status::kThreadFailed);
+  for (std::size_t i = 0; i < 103; ++i) EXPECT_EQ(picture[i], i < 75 ? 128 : 255) << i;
 }
-
-INSTANTIATE_TEST_SUITE_P(Levels, StrengthBlend, testing::ValuesIn(supportedLevels()),
-                         [](const auto& level) { return vectorLevelName(level.param); });
 
 }  // namespace
 }  // namespace lumora::test

@@ -25,6 +25,12 @@ Bytes noiseBytes(std::size_t count, std::uint32_t seed) {
   return bytes;
 }
 
+std::uint64_t checksumOf(const Bytes& bytes) {
+  std::uint64_t sum = 0xCBF29CE484222325u;
+  for (const std::uint8_t byte : bytes) sum = (sum ^ byte) * 0x100000001B3u;
+  return sum;
+}
+
 TestPicture::TestPicture(PixelFormat format, int width, int height, int extraStride,
                          std::uint32_t seed, Placement placement)
     : buffer_(byteCount(format, height, strideOf(format, width, extraStride)), placement),

@@ -42,6 +42,7 @@ class Noise {
 };
 
 Bytes noiseBytes(std::size_t count, std::uint32_t seed);
+std::uint64_t checksumOf(const Bytes& bytes);  // FNV-1a
 
 template <class T>
 constexpr std::uint8_t toByte(T v) {
