@@ -3,11 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <latch>
+#include <string_view>
 #include <thread>
 
+#include "resources/pack_directory.h"
 #include "support/captured_log.h"
 #include "support/mode_calls.h"
-#include "support/resource_directory.h"
 
 namespace lumora::test {
 namespace {
@@ -22,9 +23,8 @@ class Host {
     param.width = width;
     param.height = width == 0 ? 0 : 90;
     param.pcResourceDir = directory.c_str();
-    status_ = filterInit_APP(&handle_, &param);
+    EXPECT_EQ(filterInit_APP(&handle_, &param), 0u);
   }
-  std::uint32_t status() const { return status_; }
 
   // The results of every mode in a row.
   std::vector<std::uint8_t> results() const {
@@ -47,7 +47,6 @@ class Host {
 
  private:
   FilterHandle* handle_ = nullptr;
-  std::uint32_t status_;
 };
 
 // Runs f(number) on several threads that start together.
@@ -64,20 +63,23 @@ void onThreads(F f) {
   for (std::thread& thread : threads) thread.join();
 }
 
+// A tuning document whose encoding is guessed, and remembered for all hosts.
+constexpr std::string_view kTuning =
+    "<?xml version='1.0' encoding='sjis'?>\n<Config><filterA><param1>0 16 32 48 64 80 96 112 128 "
+    "144 "
+    "160 176 192 208 224 240 255</param1></filterA></Config>\n                                     "
+    "                                                                                    ";
+static_assert(kTuning.size() >= 200);
+
 class Threads : public testing::Test {
  protected:
-  static void SetUpTestSuite() {
-    directory_ = std::make_unique<ResourceDirectory>();
-    ResourceDirectory::write(directory_->pack(), noisyPack());
-  }
-  static void TearDownTestSuite() { directory_.reset(); }
-  // A tuning document whose encoding has to be guessed, so that the guess is remembered.
-  static inline std::unique_ptr<ResourceDirectory> directory_;
+  Threads() { ResourceDirectory::write(directory_.tuning(), kTuning); }
+  const PackDirectory directory_;
   const CapturedLog log_;
 };
 
 TEST_F(Threads, HostsThatDoEverythingAtOnceGetTheSameBytes) {
-  const std::string directory = directory_->path();
+  const std::string directory = directory_.path();
   const std::uint32_t widths[kHosts] = {94, 0, 120};
   std::vector<std::uint8_t> alone[kHosts];
   for (int i = 0; i < kHosts; ++i) {
@@ -87,7 +89,6 @@ TEST_F(Threads, HostsThatDoEverythingAtOnceGetTheSameBytes) {
   }
   onThreads([&](int i) {
     Host host(directory, widths[i]);
-    ASSERT_EQ(host.status(), 0u);
     host.ageFilm();
     EXPECT_TRUE(host.results() == alone[i]) << "host " << i;
     host.destroy();
@@ -95,7 +96,7 @@ TEST_F(Threads, HostsThatDoEverythingAtOnceGetTheSameBytes) {
 }
 
 TEST_F(Threads, AHandleIsDestroyedOnAnotherThread) {
-  const std::string directory = directory_->path();
+  const std::string directory = directory_.path();
   std::vector<std::unique_ptr<Host>> hosts(kHosts);
   onThreads([&](int i) { hosts[i] = std::make_unique<Host>(directory, 94); });
   onThreads([&](int i) {

@@ -54,30 +54,27 @@ constexpr Routine kRoutines[] = {
     {"nearest", 1, floatingPosition, ImResizeNearest},
 };
 
-class Resample : public testing::TestWithParam<int> {
-  const ForcedLevel level_{GetParam()};
-};
-INSTANTIATE_TEST_SUITE_P(Levels, Resample, testing::ValuesIn(supportedLevels()),
-                         [](const auto& item) { return vectorLevelName(item.param); });
-
 // From and into memory that ends at inaccessible pages.
-TEST_P(Resample, FollowsItsRule) {
+void expectRule(const Routine& routine, const Sizes& s) {
+  const auto bytes = [&](int width, int height) {
+    return static_cast<std::size_t>(width) * height * routine.bytesPerPixel;
+  };
+  const GuardedBuffer src(noiseBytes(bytes(s.srcWidth, s.srcHeight), 7));
+  const Bytes expected = resampled(src.data(), s, routine.bytesPerPixel, routine.rule);
+  for (const int level : supportedLevels()) {
+    const ForcedLevel forced(level);
+    const GuardedBuffer dst(Bytes(bytes(s.dstWidth, s.dstHeight), 0xEE));
+    routine.resize(s.srcWidth, s.srcHeight, s.dstWidth, s.dstHeight, src.data(), dst.data());
+    EXPECT_TRUE(dst.isIntact());
+    ASSERT_TRUE(std::equal(expected.begin(), expected.end(), dst.data()))
+        << routine.name << " on " << vectorLevelName(level) << ", " << s.srcWidth << 'x'
+        << s.srcHeight << " to " << s.dstWidth << 'x' << s.dstHeight;
+  }
+}
+
+TEST(Resample, FollowsItsRule) {
   for (const Sizes& s : allSizes()) {
-    for (const Routine& routine : kRoutines) {
-      const auto bytes = [&](int width, int height) {
-        return static_cast<std::size_t>(width) * height * routine.bytesPerPixel;
-      };
-      const GuardedBuffer src(bytes(s.srcWidth, s.srcHeight)), dst(bytes(s.dstWidth, s.dstHeight));
-      Noise noise(7);
-      std::generate_n(src.data(), src.size(), [&] { return noise.byte(); });
-      std::fill_n(dst.data(), dst.size(), std::uint8_t{0xEE});
-      routine.resize(s.srcWidth, s.srcHeight, s.dstWidth, s.dstHeight, src.data(), dst.data());
-      EXPECT_TRUE(dst.isIntact());
-      const Bytes expected = resampled(src.data(), s, routine.bytesPerPixel, routine.rule);
-      ASSERT_TRUE(std::equal(expected.begin(), expected.end(), dst.data()))
-          << routine.name << ", " << s.srcWidth << 'x' << s.srcHeight << " to " << s.dstWidth << 'x'
-          << s.dstHeight;
-    }
+    for (const Routine& routine : kRoutines) expectRule(routine, s);
   }
 }
 
