@@ -61,8 +61,10 @@ TEST_F(FrameTest, VerboseKeepsStandardOutputPure) {
   const ToolResult result = run(heibai + "nv12 --verbose < in > out");
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(readFile("out"), frames.after);
-  EXPECT_TRUE(says(result.error, "Before FilterProcessNV12_multiThred!"));
-  EXPECT_TRUE(says(result.error, "2 frames"));
+  for (const char* line :
+       {"filter: Filter Version", "Before FilterProcessNV12_multiThred!", "lumora: 2 frames"}) {
+    EXPECT_TRUE(says(result.error, line));
+  }
 }
 
 TEST_F(FrameTest, AShortLastFrameIsAnError) {
