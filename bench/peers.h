@@ -1,5 +1,6 @@
-// Other libraries on the nearest equivalents of our classes of work: peer/library/work/format/size.
-// Rounding differs from ours; only time is compared. All run on one thread.
+// Other libraries on the nearest equivalents of our classes of work. A case's name says "peer", the
+// library, the work, the format and the size, in this order. Rounding differs from ours; only time
+// is compared. All run on one thread.
 #pragma once
 
 #include <functional>

@@ -1,24 +1,16 @@
 // lumora apply on many pictures: trees, several jobs, what is left out and what is not lost.
-#include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <sstream>
 
 #include "pictures.h"
-#include "tool_runner.h"
 
 namespace lumora::test {
 namespace {
 
 namespace fs = std::filesystem;
-using Words = std::vector<std::string>;
 
-class BatchTest : public ToolTest {
+class BatchTest : public PictureTest {
  protected:
   // Twelve pictures in three folders, four files among them that are none, and files that are not
   // named like pictures.
@@ -28,23 +20,8 @@ class BatchTest : public ToolTest {
       const char* const folder = i % 3 == 0 ? "" : i % 3 == 1 ? "b/" : "b/c/";
       writePicture("photos/" + std::string(folder) + "p" + std::to_string(i) + ".jpg", 96 + 8 * i);
     }
-    const Bytes whole = readFile("photos/p0.jpg");
-    const Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(whole.size() / 2));
-    writeFile("photos/a-cut.jpg", cut);
-    writeFile("photos/b/empty.jpg", Bytes());
-    writeFile("photos/b/p-text.jpg", "not a picture", 13);
-    writeFile("photos/b/c/z-cut.jpg", cut);
-    writeFile("photos/notes.txt", "notes", 5);
-    writeFile("photos/.hidden.jpg", "not a picture", 13);
-  }
-
-  void writePicture(const std::string& name, int width = 128, int height = 96) const {
-    colourfulPicture(width, height).write_to_file(pathOf(name).c_str());
-  }
-
-  ToolResult apply(Words more) const {
-    more.insert(more.begin(), {"apply", "--look", "lianghong"});
-    return run(more);
+    shell("cd photos; head -c 500 p0.jpg | tee a-cut.jpg > b/c/z-cut.jpg; touch b/empty.jpg");
+    shell("cd photos; echo no picture | tee b/p-text.jpg notes.txt > .hidden.jpg");
   }
 
   // Every file below a folder with its content.
@@ -59,58 +36,46 @@ class BatchTest : public ToolTest {
 };
 
 TEST_F(BatchTest, JobsChangeNeitherFilesNorReports) {
-  const Words batch = {"--recursive", "--out-dir", "out", "photos", "missing.jpg"};
-  const ToolResult one = apply(batch);
+  const std::string batch = "apply -l moran --recursive --out-dir out --suffix _x photos no.jpg";
+  const ToolResult one = run(batch);
   const auto files = filesIn("out");
   EXPECT_EQ(one.exitCode, 1);
   EXPECT_EQ(files.size(), 12u);
-  EXPECT_EQ(files.count("b/c/p2.jpg"), 1u);
+  EXPECT_EQ(files.count("b/c/p2_x.jpg"), 1u);
   // Without a terminal there is no bar, only the faults in the order of the names.
-  std::istringstream lines(one.standardError);
+  std::istringstream lines(one.error);
   for (const char* said :
        {"photos/a-cut.jpg: cannot be read, it seems damaged: Vips", "photos/b/c/z-cut.jpg: cannot",
         "photos/b/empty.jpg: is empty", "photos/b/p-text.jpg: is not a picture",
-        "missing.jpg: there is no such file", "5 of 17 pictures failed"}) {
+        "no.jpg: there is no such file", "5 of 17 pictures failed"}) {
     std::string line;
     std::getline(lines, line);
-    EXPECT_EQ(line.find("lumora: " + std::string(said)), 0u) << line;
+    EXPECT_TRUE(line.starts_with("lumora: " + std::string(said))) << line;
   }
-
   for (const char* jobs : {"3", "auto", "40"}) {
     fs::remove_all(pathOf("out"));
-    Words words = batch;
-    words.insert(words.end(), {"--jobs", jobs});
-    const ToolResult several = apply(words);
+    const ToolResult several = run(batch + " --jobs " + jobs);
     EXPECT_EQ(several.exitCode, 1);
-    EXPECT_EQ(several.standardError, one.standardError) << jobs;
+    EXPECT_EQ(several.error, one.error) << jobs;
     EXPECT_EQ(filesIn("out"), files) << jobs;
   }
 }
 
 // The image library's threads share one list of complaints.
 TEST_F(BatchTest, EveryDamageIsExplainedByItsOwnComplaint) {
-  fs::create_directories(pathOf("cut"));
-  writePicture("whole.png");
-  const std::string whole[] = {"photos/p0.jpg", "whole.png"};
-  for (int i = 0; i < 60; ++i) {
-    Bytes bytes = readFile(whole[i % 2]);
-    bytes.resize(bytes.size() * 3 / 4);
-    writeFile("cut/" + std::to_string(100 + i) + fs::path(whole[i % 2]).extension().string(),
-              bytes);
-  }
-  const ToolResult one = apply({"-r", "-d", "out", "cut"});
-  const ToolResult several = apply({"-r", "-d", "out", "--jobs", "8", "cut"});
-  EXPECT_EQ(several.standardError, one.standardError);
-  EXPECT_NE(one.standardError.find("cut/100.jpg: cannot be read, it seems damaged: VipsJpeg"),
-            std::string::npos);
-  EXPECT_NE(one.standardError.find("cut/101.png: cannot be read, it seems damaged: "),
-            std::string::npos);
+  writePicture("p.jpg");
+  writePicture("p.png");
+  shell(
+      "mkdir cut; for i in $(seq -w 30); do head -c -900 p.jpg > cut/$i.jpg;"
+      "head -c -900 p.png > cut/$i.png; done");
+  const ToolResult one = run("apply -l moran -r -d out cut");
+  EXPECT_EQ(run("apply -l moran -r -d out --jobs 8 cut").error, one.error);
+  EXPECT_TRUE(says(one.error, "cut/01.jpg: cannot be read, it seems damaged: VipsJpeg"));
+  EXPECT_TRUE(says(one.error, "cut/01.png: cannot be read, it seems damaged: "));
 }
 
 TEST_F(BatchTest, VerboseLinesOfSeveralJobsStayWhole) {
-  const ToolResult result =
-      apply({"--recursive", "--jobs", "4", "--verbose", "--out-dir", "out", "photos"});
-  std::istringstream lines(result.standardError);
+  std::istringstream lines(run("apply -l moran -r --jobs 4 --verbose -d out photos").error);
   int done = 0;
   for (std::string line; std::getline(lines, line);) {
     const bool isReport = line.starts_with("lumora: ") && line.find("lumora: ", 1) == line.npos;
@@ -122,94 +87,66 @@ TEST_F(BatchTest, VerboseLinesOfSeveralJobsStayWhole) {
 
 TEST_F(BatchTest, SkipExistingMakesOnlyWhatIsMissing) {
   // The output folder inside of the input is not taken for input.
-  const Words batch = {"-r", "-d", "photos/done", "--skip-existing", "-v", "photos"};
-  EXPECT_EQ(apply(batch).exitCode, 1);
+  const std::string batch = "apply -l moran -r -d photos/done --skip-existing -v photos";
+  EXPECT_EQ(run(batch).exitCode, 1);
   auto files = filesIn("photos/done");
   EXPECT_EQ(files.size(), 12u);
-  writeFile("photos/done/p0.jpg", "mine", 4);
+  writeFile("photos/done/p0.jpg", "mine");
   fs::remove(pathOf("photos/done/b/p1.jpg"));
 
-  const ToolResult again = apply(batch);
-  EXPECT_NE(again.standardError.find("11 left out"), std::string::npos) << again.standardError;
+  EXPECT_TRUE(says(run(batch).error, "11 left out"));
   files["p0.jpg"] = {'m', 'i', 'n', 'e'};
   EXPECT_EQ(filesIn("photos/done"), files);
 
-  writeFile("out.png", "mine", 4);
-  EXPECT_EQ(apply({"--skip-existing", "photos/p0.jpg", "out.png"}).exitCode, 0);
-  EXPECT_EQ(readFile("out.png").size(), 4u);
+  succeed("apply -l moran --skip-existing photos/p3.jpg photos/done/p0.jpg");
+  EXPECT_EQ(filesIn("photos/done"), files);
 }
 
 TEST_F(BatchTest, NothingIsLostToMadeUpNames) {
-  writePicture("a.png");
-  writePicture("a.jpg");
-  writePicture("a_x.png");
+  for (const char* name : {"a.png", "a.jpg", "a_x.png"}) writePicture(name);
   fs::create_directories(pathOf("empty"));
   const auto before = filesIn(".");
-  struct Case {
-    Words words;
-    const char* said;
-  };
-  for (const Case& c : std::initializer_list<Case>{
-           {{"-d", ".", "a.png"}, "a.png: would be overwritten; use --suffix"},
-           {{"-d", ".", "--suffix", "_x", "a.png", "a_x.png"}, "would overwrite a_x.png"},
-           {{"-r", "-d", "photos", "photos/p0.jpg"}, "would be overwritten"},
-           {{"-r", "-d", "out", "empty"}, "empty: holds no pictures"},
-           {{"-d", "out", "photos"}, "photos: is a folder, not a picture; --recursive"}}) {
-    const ToolResult result = apply(c.words);
-    EXPECT_EQ(result.exitCode, 1);
-    EXPECT_NE(result.standardError.find(c.said), std::string::npos) << result.standardError;
+  for (const auto& [arguments, said] :
+       Refusals{{"-d . a.png", "a.png: would be overwritten; use --suffix"},
+                {"-d . --suffix _x a.png a_x.png", "would overwrite a_x.png"},
+                {"-r -d photos photos/p0.jpg", "would be overwritten"},
+                {"-r -d out empty", "empty: holds no pictures"},
+                {"-d out photos", "photos: is a folder, not a picture; --recursive"}}) {
+    refuse(1, "apply -l moran " + arguments, said);
     for (const auto& [name, bytes] : before) EXPECT_EQ(readFile(name), bytes) << name;
   }
-  for (const char* jobs : {"1", "2"}) {
-    const ToolResult twice =
-        apply({"-j", jobs, "-d", std::string("o") + jobs, "--to", "png", "a.png", "a.jpg"});
-    EXPECT_EQ(twice.exitCode, 1);
-    EXPECT_NE(twice.standardError.find("a.png is already made from a.png"), std::string::npos);
+  for (const char* out : {"-j 1 -d one", "-j 2 -d two"}) {
+    refuse(1, std::string("apply -l moran --to png a.png a.jpg ") + out,
+           "a.png is already made from a.png");
   }
-  EXPECT_EQ(readFile("o1/a.png"), readFile("o2/a.png"));
+  EXPECT_EQ(filesIn("one").size(), 1u);
+  EXPECT_EQ(filesIn("one"), filesIn("two"));
 }
 
 TEST_F(BatchTest, ATerminalSeesTheBar) {
-  const std::string batch = "$LUMORA apply -l moran -r -d out photos";
   if (runShell("command -v script").exitCode != 0) GTEST_SKIP() << "no program for terminals";
-  const std::string shown =
-      runShell("TERM=xterm script -qec '" + batch + "' /dev/null").outputText();
-  EXPECT_NE(shown.find("] 16/16  "), std::string::npos) << shown;
-  EXPECT_NE(shown.find(" pictures/s  in "), std::string::npos) << shown;
-  EXPECT_NE(shown.find("4 of 16 pictures failed"), std::string::npos) << shown;
-  const std::string verbose =
-      runShell("TERM=xterm script -qec '" + batch + " -v' /dev/null").outputText();
-  EXPECT_EQ(verbose.find("pictures/s"), std::string::npos) << verbose;
+  const auto shown = [this](const std::string& more) {
+    const std::string batch = "lumora apply -l moran -r -d out photos" + more;
+    return runShell("TERM=xterm script -qec '" + batch + "' /dev/null").output;
+  };
+  const std::string bar = shown("");
+  for (const char* part : {"] 16/16  ", " pictures/s  in ", "4 of 16 pictures failed"}) {
+    EXPECT_TRUE(says(bar, part));
+  }
+  EXPECT_FALSE(says(shown(" -v"), "pictures/s"));
 }
 
 TEST_F(BatchTest, AnInterruptLeavesOnlyWholePictures) {
   fs::create_directories(pathOf("many"));
   writePicture("many/0.png", 1200, 900);
-  for (int i = 1; i < 60; ++i) {
-    fs::copy_file(pathOf("many/0.png"), pathOf("many/" + std::to_string(i) + ".png"));
-  }
-  int pipe = -1;
-  const pid_t tool = start({"apply", "-l", "moran", "-r", "-j", "3", "-d", "out", "many"}, pipe);
-  ASSERT_GT(tool, 0);
-  ::close(pipe);
-  const auto isWhole = [](const std::string& name) { return name.front() != '.'; };
-  const auto wholeFiles = [&] {
-    if (!fs::exists(pathOf("out"))) return std::ptrdiff_t{0};
-    const Words names = listFolder("out");
-    return std::count_if(names.begin(), names.end(), isWhole);
-  };
-  int status = 0;
-  while (wholeFiles() < 3 && ::waitpid(tool, &status, WNOHANG) == 0) ::usleep(1000);
-  ASSERT_EQ(::kill(tool, SIGINT), 0);
-  ASSERT_EQ(::waitpid(tool, &status, 0), tool);
-  EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT);
-
-  const Words names = listFolder("out");
-  EXPECT_LT(names.size(), 60u);
-  const Bytes first = readFile("out/" + names.front());
-  for (const std::string& name : names) {
-    EXPECT_TRUE(isWhole(name)) << name;
-    EXPECT_EQ(readFile("out/" + name), first) << name;
+  shell("for i in $(seq 59); do cp many/0.png many/$i.png; done");
+  interrupt("apply -l moran -r -j 3 -d out many",
+            [this] { return fs::exists(pathOf("out/10.png")); });
+  const auto files = filesIn("out");
+  EXPECT_LT(files.size(), 60u);
+  for (const auto& [name, bytes] : files) {
+    EXPECT_FALSE(name.starts_with('.')) << name;
+    EXPECT_EQ(bytes, files.at("10.png")) << name;
   }
 }
 

@@ -1,24 +1,10 @@
 #include "pictures.h"
 
-#include <gtest/gtest.h>
+#include <limits>
 
 namespace lumora::test {
-namespace {
 
 using vips::VImage;
-
-class ImageLibrary : public testing::Environment {
- public:
-  void SetUp() override {
-    ASSERT_EQ(VIPS_INIT("lumora_tool_test"), 0);
-    vips_cache_set_max(0);  // a file of the same name may have become another
-  }
-};
-
-[[maybe_unused]] const auto* const kImageLibrary =
-    testing::AddGlobalTestEnvironment(new ImageLibrary);
-
-}  // namespace
 
 VImage colourfulPicture(int width, int height, int bands, bool wide) {
   const int most = wide ? 65535 : 255;
@@ -32,30 +18,49 @@ VImage colourfulPicture(int width, int height, int bands, bool wide) {
                                   wide ? VIPS_INTERPRETATION_RGB16 : VIPS_INTERPRETATION_sRGB));
 }
 
-VImage openUpright(const std::string& path) {
-  const VImage picture = VImage::new_from_file(path.c_str()).autorot();
-  if (picture.interpretation() == VIPS_INTERPRETATION_RGB16) {
-    return (picture / 256).floor().cast(VIPS_FORMAT_UCHAR);
-  }
-  return picture.colourspace(VIPS_INTERPRETATION_sRGB);
-}
-
 VImage blackAndWhite(const VImage& picture) {
-  const VImage grey = ((picture.extract_band(0) * 19 + picture.extract_band(1) * 38 +
-                        picture.extract_band(2) * 7 + 32) /
-                       64)
-                          .floor();
+  const VImage red = picture.extract_band(0), green = picture.extract_band(1),
+               blue = picture.extract_band(2);
+  const VImage grey = ((red * 19 + green * 38 + blue * 7 + 32) / 64).floor();
   VImage result = grey.bandjoin(grey).bandjoin(grey);
   if (picture.bands() == 4) result = result.bandjoin(picture.extract_band(3));
   return result.cast(VIPS_FORMAT_UCHAR);
 }
 
 double greatestDifference(const VImage& a, const VImage& b) {
-  EXPECT_EQ(a.width(), b.width());
-  EXPECT_EQ(a.height(), b.height());
-  EXPECT_EQ(a.bands(), b.bands());
-  if (testing::Test::HasFailure()) return 1e9;
-  return (a - b).abs().max();
+  const bool areAlike =
+      a.width() == b.width() && a.height() == b.height() && a.bands() == b.bands();
+  return areAlike ? (a - b).abs().max() : std::numeric_limits<double>::infinity();
+}
+
+void PictureTest::SetUpTestSuite() {
+  ASSERT_EQ(VIPS_INIT("lumora_tool_test"), 0);
+  vips_cache_set_max(0);  // a file of the same name may have become another
+}
+
+void PictureTest::writePicture(const std::string& name, const VImage& picture) const {
+  picture.write_to_file(pathOf(name).c_str());
+}
+
+void PictureTest::writePicture(const std::string& name, int width, int height) const {
+  writePicture(name, colourfulPicture(width, height));
+}
+
+VImage PictureTest::stored(const std::string& name) const {
+  return VImage::new_from_file(pathOf(name).c_str());
+}
+
+VImage PictureTest::open(const std::string& name) const {
+  const VImage picture = stored(name).autorot();
+  if (picture.interpretation() == VIPS_INTERPRETATION_RGB16) {
+    return (picture / 256).floor().cast(VIPS_FORMAT_UCHAR);
+  }
+  return picture.colourspace(VIPS_INTERPRETATION_sRGB);
+}
+
+void PictureTest::expectBlackAndWhite(const std::string& result,
+                                      const std::string& original) const {
+  EXPECT_EQ(greatestDifference(open(result), blackAndWhite(open(original))), 0) << result;
 }
 
 }  // namespace lumora::test

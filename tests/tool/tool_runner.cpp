@@ -1,13 +1,11 @@
 #include "tool_runner.h"
 
-#include <fcntl.h>
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -15,119 +13,78 @@
 namespace lumora::test {
 namespace {
 
-namespace fs = std::filesystem;
-
-std::string makeFolder() {
-  std::string name = testing::TempDir() + "lumora-test-XXXXXX";
-  if (::mkdtemp(name.data()) == nullptr) std::abort();
-  return name;
-}
-
-Bytes bytesOf(const std::string& path) {
+template <class Content>
+Content contentOf(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-void replaceDescriptor(int target, int source) {
-  if (source < 0 || ::dup2(source, target) < 0) ::_exit(126);
-}
-
-[[noreturn]] void become(const std::vector<std::string>& command) {
-  std::vector<char*> arguments;
-  for (const std::string& word : command) arguments.push_back(const_cast<char*>(word.c_str()));
-  arguments.push_back(nullptr);
-  ::execv(arguments[0], arguments.data());
-  ::_exit(127);
-}
-
 }  // namespace
 
-std::string ToolResult::outputText() const {
-  return {standardOutput.begin(), standardOutput.end()};
+testing::AssertionResult says(const std::string& text, const std::string& words) {
+  const bool isIn = text.find(words) != text.npos;
+  return testing::AssertionResult(isIn)
+         << "'" << words << (isIn ? "' is in: " : "' is not in: ") << text;
 }
 
-ToolTest::ToolTest() : folder_(makeFolder()), logs_(makeFolder()) {
-  ::setenv("LUMORA", LUMORA_TOOL, 1);
+ToolTest::ToolTest() {
+  static const std::string path = LUMORA_TOOL_FOLDER ":" + std::string(::getenv("PATH"));
+  ::setenv("PATH", path.c_str(), 1);
 }
 
-ToolTest::~ToolTest() {
-  std::error_code ignored;
-  fs::remove_all(folder_, ignored);
-  fs::remove_all(logs_, ignored);
-}
+Bytes ToolTest::readFile(const std::string& name) const { return contentOf<Bytes>(pathOf(name)); }
 
-void ToolTest::writeFile(const std::string& name, const void* bytes, std::size_t count) const {
-  std::ofstream file(pathOf(name), std::ios::binary);
-  file.write(static_cast<const char*>(bytes), static_cast<std::streamsize>(count));
-  ASSERT_TRUE(file.flush()) << name;
-}
-
-void ToolTest::writeFile(const std::string& name, const Bytes& bytes) const {
-  writeFile(name, bytes.data(), bytes.size());
-}
-
-Bytes ToolTest::readFile(const std::string& name) const { return bytesOf(pathOf(name)); }
-
-std::vector<std::string> ToolTest::listFolder(const std::string& name) const {
-  std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(pathOf(name))) {
+Words ToolTest::listFolder(const std::string& name) const {
+  Words names;
+  for (const auto& entry : std::filesystem::directory_iterator(pathOf(name))) {
     names.push_back(entry.path().filename().string());
   }
   std::sort(names.begin(), names.end());
   return names;
 }
 
-ToolResult ToolTest::run(const std::vector<std::string>& arguments,
-                         const std::string& inputFile) const {
-  std::vector<std::string> command = {LUMORA_TOOL};
-  command.insert(command.end(), arguments.begin(), arguments.end());
-  return execute(command, inputFile.empty() ? "/dev/null" : pathOf(inputFile));
-}
-
 ToolResult ToolTest::runShell(const std::string& command) const {
-  return execute({"/bin/sh", "-c", command}, "/dev/null");
+  const std::string output = logs_.path() + "output", error = logs_.path() + "error";
+  const std::string inFolder = "cd '" + folder_.path() + "' && { " + command + "\n} </dev/null";
+  const int status = std::system((inFolder + " >'" + output + "' 2>'" + error + "'").c_str());
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentOf<std::string>(output),
+          contentOf<std::string>(error)};
 }
 
-ToolResult ToolTest::execute(const std::vector<std::string>& command,
-                             const std::string& inputFile) const {
-  const std::string outputLog = logs_ + "/output";
-  const std::string errorLog = logs_ + "/error";
-  const pid_t child = ::fork();
-  if (child == 0) {
-    constexpr int kCreate = O_WRONLY | O_CREAT | O_TRUNC;
-    replaceDescriptor(STDIN_FILENO, ::open(inputFile.c_str(), O_RDONLY));
-    replaceDescriptor(STDOUT_FILENO, ::open(outputLog.c_str(), kCreate, 0600));
-    replaceDescriptor(STDERR_FILENO, ::open(errorLog.c_str(), kCreate, 0600));
-    if (::chdir(folder_.c_str()) != 0) ::_exit(126);
-    become(command);
-  }
-  int status = 0;
-  ::waitpid(child, &status, 0);
-  ToolResult result;
-  if (WIFEXITED(status)) result.exitCode = WEXITSTATUS(status);
-  if (WIFSIGNALED(status)) result.signal = WTERMSIG(status);
-  result.standardOutput = bytesOf(outputLog);
-  const Bytes error = bytesOf(errorLog);
-  result.standardError.assign(error.begin(), error.end());
-  return result;
+std::string ToolTest::shell(const std::string& command) const {
+  const ToolResult result = runShell(command);
+  EXPECT_EQ(result.exitCode, 0) << command;
+  EXPECT_EQ(result.error, "") << command;
+  return result.output;
 }
 
-pid_t ToolTest::start(const std::vector<std::string>& arguments, int& inputPipe) const {
-  int ends[2];
-  if (::pipe2(ends, O_CLOEXEC) != 0) return -1;
-  std::vector<std::string> command = {LUMORA_TOOL};
-  command.insert(command.end(), arguments.begin(), arguments.end());
-  const pid_t child = ::fork();
-  if (child == 0) {
+void ToolTest::refuse(int exitCode, const std::string& arguments, const std::string& said) const {
+  const ToolResult result = run(arguments);
+  EXPECT_EQ(result.exitCode, exitCode) << "lumora " << arguments;
+  EXPECT_EQ(result.output, "") << "lumora " << arguments;
+  EXPECT_TRUE(says(result.error, said)) << "lumora " << arguments;
+  // The library's status numbers mean nothing to a user.
+  EXPECT_FALSE(says(result.error, "status")) << "lumora " << arguments;
+}
+
+void ToolTest::interrupt(const std::string& arguments,
+                         const std::function<bool()>& isFarEnough) const {
+  const std::string command = "cd '" + folder_.path() + "' && exec lumora " + arguments;
+  const pid_t tool = ::fork();
+  if (tool == 0) {
     // Where the tests run in the background interrupts are ignored, and so the tool would.
     ::signal(SIGINT, SIG_DFL);
-    replaceDescriptor(STDIN_FILENO, ends[0]);
-    if (::chdir(folder_.c_str()) != 0) ::_exit(126);
-    become(command);
+    ::execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+    ::_exit(127);
   }
-  ::close(ends[0]);
-  inputPipe = ends[1];
-  return child;
+  int status = 0;
+  while (!isFarEnough()) {
+    ASSERT_EQ(::waitpid(tool, &status, WNOHANG), 0) << "it has ended by itself";
+    ::usleep(1000);
+  }
+  ASSERT_EQ(::kill(tool, SIGINT), 0);
+  ASSERT_EQ(::waitpid(tool, &status, 0), tool);
+  EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT);
 }
 
 }  // namespace lumora::test

@@ -2,51 +2,65 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <sys/types.h>
 
-#include <cstdint>
+#include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
+
+#include "support/resource_directory.h"
+#include "support/test_picture.h"
 
 namespace lumora::test {
 
-using Bytes = std::vector<std::uint8_t>;
+using Words = std::vector<std::string>;
+// Arguments of the tool, and what it shall say of them.
+using Refusals = std::vector<std::pair<std::string, std::string>>;
 
 struct ToolResult {
   int exitCode = -1;  // -1 when a signal ended it
-  int signal = 0;
-  Bytes standardOutput;
-  std::string standardError;
-
-  std::string outputText() const;
+  std::string output;
+  std::string error;
 };
 
-// Every test gets an empty folder, and the tool runs with it as its working folder.
+// Whether the words stand in the text.
+testing::AssertionResult says(const std::string& text, const std::string& words);
+
+// Every test gets an empty folder, and the tool runs with it as its working folder. Arguments are
+// words for the shell, so that redirections and quotes work as a user knows them.
 class ToolTest : public testing::Test {
  protected:
   ToolTest();
-  ~ToolTest() override;
 
-  std::string pathOf(const std::string& name) const { return folder_ + "/" + name; }
-  void writeFile(const std::string& name, const void* bytes, std::size_t count) const;
-  void writeFile(const std::string& name, const Bytes& bytes) const;
+  std::string pathOf(const std::string& name) const { return folder_.path() + name; }
+  void writeFile(const std::string& name, std::string_view content) const {
+    ResourceDirectory::write(pathOf(name), content);
+  }
+  void writeFile(const std::string& name, const Bytes& content) const {
+    ResourceDirectory::write(pathOf(name), content);
+  }
   Bytes readFile(const std::string& name) const;
   // Names in the folder, sorted.
-  std::vector<std::string> listFolder(const std::string& name = ".") const;
+  Words listFolder(const std::string& name = ".") const;
 
-  // Without an input file standard input is empty.
-  ToolResult run(const std::vector<std::string>& arguments,
-                 const std::string& inputFile = {}) const;
-  // A shell command in the folder; $LUMORA is the tool.
+  // Standard input is empty where the command does not redirect it; 'lumora' is the tool.
   ToolResult runShell(const std::string& command) const;
-  // Starts the tool with its standard input at the end of a pipe; the write end goes to inputPipe.
-  pid_t start(const std::vector<std::string>& arguments, int& inputPipe) const;
+  ToolResult run(const std::string& arguments) const {
+    return runShell("exec lumora " + arguments);
+  }
+  // These expect that all goes well and without a word of complaint; they return what is put out.
+  std::string shell(const std::string& command) const;
+  std::string succeed(const std::string& arguments) const {
+    return shell("exec lumora " + arguments);
+  }
+  // Expects that nothing is put out and these words are said.
+  void refuse(int exitCode, const std::string& arguments, const std::string& said) const;
+  // Starts the tool and interrupts it when it is far enough, which has to end it.
+  void interrupt(const std::string& arguments, const std::function<bool()>& isFarEnough) const;
 
  private:
-  ToolResult execute(const std::vector<std::string>& command, const std::string& inputFile) const;
-
-  std::string folder_;
-  std::string logs_;  // what the runs print goes here, not into the folder
+  ResourceDirectory folder_;
+  ResourceDirectory logs_;  // what the runs print goes here, not into the folder
 };
 
 }  // namespace lumora::test

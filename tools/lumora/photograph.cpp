@@ -52,7 +52,7 @@ VImage openSource(int descriptor, vips::VOption* options) {
   return VImage::new_from_source(vips::VSource::new_from_descriptor(descriptor), "", options);
 }
 
-VImage open(const std::string& path) {
+VImage openLazily(const std::string& path) {
   const auto options = [] {
     return VImage::option()
         ->set("access", VIPS_ACCESS_SEQUENTIAL)
@@ -65,6 +65,14 @@ VImage open(const std::string& path) {
     throw PictureError("is not a picture in a format that can be read here");
   }
   return VImage::new_from_file(path.c_str(), options());
+}
+
+VImage open(const std::string& path) {
+  VImage image = openLazily(path).copy();
+  // libvips forgets a worker's error when another worker has meanwhile come to the picture's end:
+  // the damaged part would be black, and all seem well. So one worker decodes.
+  image.set(VIPS_META_CONCURRENCY, 1);
+  return image;
 }
 
 // Turning needs rows in another order than the file has them.
