@@ -15,11 +15,13 @@ using Curves = std::array<Knots, 3>;
 constexpr Knots kIdentity{
     {0, 16, 32, 48, 64, 80, 96, 112, 128, 144, 160, 176, 192, 208, 224, 240, 255}};
 
-// Between knots a curve is linear; the step between two is taken modulo 256.
-int curveLookup(const Knots& knots, int x) {
-  const int i = x >> 4, f = x & 15;
+// Between knots a curve is linear; the step between two is taken modulo 256. Inputs have `fraction`
+// bits behind the knot's number, and all but one look round.
+int curveLookup(const Knots& knots, int x, int fraction = 4, bool rounds = true) {
+  const int i = x >> fraction, f = x & ((1 << fraction) - 1);
   const int step = (knots.at[i + 1] - knots.at[i]) & 255;
-  return clampByte(knots.at[i] + (((step * f + 8) >> 4) & 255));
+  const int half = rounds ? 1 << (fraction - 1) : 0;
+  return clampByte(knots.at[i] + (((step * f + half) >> fraction) & 255));
 }
 
 // Of 16 parts the weight belongs to the second curve.
@@ -208,18 +210,12 @@ PixelFunction hudson(const ReferenceTuning& tuning) {
 constexpr Knots kXpro2StrongTexture{
     {0, 19, 37, 56, 74, 93, 111, 130, 148, 167, 186, 204, 223, 241, 255, 255, 255}};
 
-int fineCurveLookup(const Knots& curve, int x) {
-  const int i = x >> 6, f = x & 63;
-  const int step = (curve.at[i + 1] - curve.at[i]) & 255;
-  return clampByte(curve.at[i] + (((f * step + 32) >> 6) & 255));
-}
-
 PixelFunction xpro2(const ReferenceTuning& tuning) {
   return [curves = rampedCurves(kXpro2(), tuning),
           tone = TextureTone(kXpro2StrongTexture, tuning.ratio)](const ReferencePixel& p) {
     const int darkening = (179 * tone(*p.texel) + 64) >> 7;
     return eachChannel(p.colour, [&](int c, int v) {
-      return fineCurveLookup(curves[c], std::max(4 * v - darkening, 0));
+      return curveLookup(curves[c], std::max(4 * v - darkening, 0), 6);
     });
   };
 }
@@ -284,10 +280,7 @@ PixelFunction lianghong(const ReferenceTuning& tuning) {
 constexpr Knots kMyfairStrongTexture{
     {0, 0, 0, 24, 48, 72, 96, 120, 144, 168, 192, 216, 240, 255, 255, 255, 255}};
 
-int truncCurveLookup(const Knots& k, int x) {
-  const int i = x >> 4, f = x & 15;
-  return clampByte(k.at[i] + (((f * ((k.at[i + 1] - k.at[i]) & 255)) >> 4) & 255));
-}
+int truncCurveLookup(const Knots& knots, int x) { return curveLookup(knots, x, 4, false); }
 
 int softOverlay(int a, int b) {
   const int v =

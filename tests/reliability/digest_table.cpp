@@ -1,10 +1,11 @@
-#include "reliability/digest_table.h"
+#include "reliability/tables.h"
 
 #include <cstdio>
 #include <map>
 #include <memory>
 
 #include "looks/texture/film_ageing.h"
+#include "support/mode_calls.h"
 
 namespace lumora::test {
 namespace {
@@ -84,13 +85,11 @@ std::string nameOf(const ModeCall& call) {
 
 }  // namespace
 
-int reducedColumns() { return 2; }
-int allColumns() { return static_cast<int>(std::size(kSizes)) * kStrengthCount; }
-
-std::vector<DigestRow> digestTable(const std::string& resourceDir, bool onCaller, int columns) {
+std::vector<std::string> digestTable(const std::string& resourceDir, bool onCaller, bool reduced) {
   setFilmClock(fixedClock);
   Handles handles(resourceDir);
-  std::vector<DigestRow> table;
+  const int columns = reduced ? 2 : static_cast<int>(std::size(kSizes)) * kStrengthCount;
+  std::vector<std::string> table;
   for (ModeCall call : allModeCalls()) {
     for (const TexturePath path : kTexturePaths) {
       if (path != TexturePath::kPrepared && !usesTexturePlanes(call.mode)) continue;
@@ -98,9 +97,9 @@ std::vector<DigestRow> digestTable(const std::string& resourceDir, bool onCaller
       for (const bool caller : {false, true}) {
         if (!dependsOnThreads(call.mode) && caller != onCaller) continue;
         call.onCaller = caller;
-        DigestRow row{nameOf(call), {}};
+        std::string row = nameOf(call) + ':';
         for (int column = 0; column < columns; ++column) {
-          row.digests.push_back(digestOfCall(handles, call, column));
+          row += ' ' + digestOfCall(handles, call, column);
         }
         table.push_back(row);
       }

@@ -1,4 +1,4 @@
-#include "reliability/failure_table.h"
+#include "reliability/tables.h"
 
 #include <cstdio>
 
