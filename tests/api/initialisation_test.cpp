@@ -11,6 +11,8 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
+TEST(Version, IsTheNumberHostsCheck) { EXPECT_EQ(getFilterVersion(), 81010u); }
+
 // An initialisation as a host would put it together, through either function.
 struct HostInit {
   FilterHandle* handle = nullptr;
