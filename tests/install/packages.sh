@@ -9,6 +9,7 @@ trap 'rm -rf "$work"' EXIT
 cpack --config "$build/CPackConfig.cmake" -B "$work" >/dev/null
 
 package() { echo "$work/$1"_*.deb; }
+# Readers of a pipe read it to its end: the writer would fail otherwise, now and then.
 filesOf() { dpkg-deb --fsys-tarfile "$(package "$1")" | tar t | grep -v '/$'; }
 # holds PACKAGE PATTERN...: for each pattern the package has a file.
 holds() {
@@ -20,7 +21,7 @@ holds() {
   done
 }
 dependsOn() {
-  dpkg-deb -f "$(package "$1")" Depends | grep -q "$2" ||
+  dpkg-deb -f "$(package "$1")" Depends | grep "$2" >/dev/null ||
     { echo "$1 does not depend on $2"; exit 1; }
 }
 
@@ -50,6 +51,6 @@ DESTDIR=$work/all cmake --install "$build" --prefix /usr >/dev/null
 diff <(cd "$work/all" && find . -type f -o -type l | sed 's/lumora\.1$/lumora.1.gz/' | sort) \
   <(for name in "${packages[@]}"; do filesOf "$name"; done | grep -v '/share/doc/' | sort)
 synopses=$(for name in "${packages[@]}"; do
-  dpkg-deb -f "$(package "$name")" Description | head -n 1
+  dpkg-deb -f "$(package "$name")" Description | sed -n 1p
 done | sort -u | wc -l)
 [[ $synopses == "${#packages[@]}" ]] || { echo "packages share a synopsis"; exit 1; }

@@ -177,44 +177,50 @@ TEST_P(Faults, AWorkerThatDoesNotStartIsReportedAndTheOthersJoined) {
   EXPECT_GT(cases, 0);
 }
 
-// Every worker of the last step has rows of its own: when it is missing they stay as they are when
-// all four are, and the others' rows do not care.
+struct LastStep {
+  Bytes full, none;            // with all of its workers, and without any
+  std::vector<Bytes> lacking;  // without one of them
+};
+
+// Every row that the step changes is one worker's alone, and they divide the rows in their order,
+// of NV pictures those of either plane.
+void expectDividedRows(const LastStep& step, std::size_t stride) {
+  std::ptrdiff_t previous = 0;
+  for (std::size_t row = 0; row * stride < step.full.size(); ++row) {
+    const auto differs = [&](const Bytes& a, const Bytes& b) {
+      return std::memcmp(a.data() + row * stride, b.data() + row * stride, stride) != 0;
+    };
+    if (!differs(step.full, step.none)) continue;
+    const auto isLacking = [&](const Bytes& picture) { return differs(picture, step.full); };
+    const auto owner = std::find_if(step.lacking.begin(), step.lacking.end(), isLacking);
+    ASSERT_EQ(std::count_if(step.lacking.begin(), step.lacking.end(), isLacking), 1) << row;
+    ASSERT_FALSE(differs(*owner, step.none)) << row;
+    const std::ptrdiff_t worker = owner - step.lacking.begin();
+    ASSERT_TRUE(worker >= previous || row == static_cast<std::size_t>(kPicture.height)) << row;
+    previous = worker;
+  }
+  EXPECT_EQ(previous, kStripeCount - 1);
+}
+
 TEST_P(Faults, AMissingWorkerLeavesOutItsOwnRows) {
   forEachCall(false, [&](const ModeCall& call) {
+    const Bytes before = untouched(call.format);
     const int strength = fullStrength(call);
-    const Bytes full = outcomeOf(call, strength, 0).picture;
-    const int lastStep = ThreadFaults::startCount() - kStripeCount;
-    const Bytes none = outcomeOf(call, strength, ~std::uint64_t{0} << lastStep).picture;
-    std::vector<Bytes> lacking;
+    LastStep step{outcomeOf(call, strength, 0).picture, {}, {}};
+    const int first = ThreadFaults::startCount() - kStripeCount;
+    step.none = outcomeOf(call, strength, ~std::uint64_t{0} << first).picture;
     for (int k = 0; k < kStripeCount; ++k) {
-      lacking.push_back(outcomeOf(call, strength, std::uint64_t{1} << (lastStep + k)).picture);
+      step.lacking.push_back(outcomeOf(call, strength, std::uint64_t{1} << (first + k)).picture);
     }
     if (call.mode == LUMORA_MODE_MOSAIC) {  // without one of its workers there is none of it
-      for (const Bytes& picture : lacking) EXPECT_TRUE(picture == untouched(call.format));
+      for (const Bytes& picture : step.lacking) EXPECT_TRUE(picture == before);
       return;
     }
-    const std::size_t stride =
-        static_cast<std::size_t>(kPicture.width) * (call.format == PixelFormat::kRgba ? 4 : 1) +
-        kExtraStride;
-    int previous = 0;
-    for (std::size_t row = 0; row < full.size(); row += stride) {
-      const auto differs = [&](const Bytes& a, const Bytes& b) {
-        return std::memcmp(a.data() + row, b.data() + row, stride) != 0;
-      };
-      if (!differs(full, none)) continue;
-      const auto isLacking = [&](const Bytes& picture) { return differs(picture, full); };
-      const auto owner = std::find_if(lacking.begin(), lacking.end(), isLacking);
-      ASSERT_EQ(std::count_if(lacking.begin(), lacking.end(), isLacking), 1);
-      ASSERT_FALSE(differs(*owner, none)) << "row " << row / stride;
-      const int k = static_cast<int>(owner - lacking.begin());
-      const bool isFirstOfChroma = row / stride == static_cast<std::size_t>(kPicture.height);
-      ASSERT_TRUE(k >= previous || isFirstOfChroma) << "row " << row / stride;
-      previous = k;
-    }
-    EXPECT_EQ(previous, kStripeCount - 1);
+    const int pixelBytes = call.format == PixelFormat::kRgba ? 4 : 1;
+    expectDividedRows(step, static_cast<std::size_t>(kPicture.width * pixelBytes) + kExtraStride);
     if (call.mode == LUMORA_MODE_MEISHIMENGHUAN || call.mode == LUMORA_MODE_LAODIANYING) return;
-    EXPECT_TRUE(none == untouched(call.format));
-    EXPECT_TRUE(outcomeOf(call, strength, 1).picture == untouched(call.format) || lastStep == 0);
+    EXPECT_TRUE(step.none == before);
+    EXPECT_TRUE(outcomeOf(call, strength, 1).picture == before || first == 0);
   });
 }
 
