@@ -39,8 +39,14 @@ TEST_P(Digests, AreThoseOfTheTable) {
   expectTable(digestTable(LUMORA_RESOURCES, onCaller, kReduced), "digests.txt");
 }
 
+std::string nameOf(const testing::TestParamInfo<std::tuple<int, bool>>& run) {
+  const auto [level, onCaller] = run.param;
+  return vectorLevelName(level) + std::string(onCaller ? "OnOneThread" : "OnFourThreads");
+}
+
 INSTANTIATE_TEST_SUITE_P(Levels, Digests,
-                         testing::Combine(testing::ValuesIn(supportedLevels()), testing::Bool()));
+                         testing::Combine(testing::ValuesIn(supportedLevels()), testing::Bool()),
+                         nameOf);
 
 TEST(Failures, AreThoseOfTheTable) { expectTable(failureTable(), "failures.txt"); }
 
