@@ -9,6 +9,7 @@
 #include "config/sound_params.h"
 #include "config/tuning_text.h"
 #include "support/captured_log.h"
+#include "support/test_picture.h"
 
 namespace lumora::test {
 namespace {

@@ -12,7 +12,7 @@
 namespace lumora::test {
 namespace {
 
-constexpr int kWidthStep = kReduced ? 9 : 2;
+constexpr int kWidthStep = kReduced ? 7 : 1;
 constexpr std::uint32_t kNvSamples = kReduced ? 1 : 6;
 constexpr int kColourStep = kReduced ? 37 : 1;
 
@@ -44,9 +44,10 @@ void expectPlainForm(const Case& c, const TestPicture& picture, const Bytes& tex
   const std::uint8_t* const blockOrNull = c.stored ? block.data() : nullptr;
   const TestPicture expected(picture);
   const GuardedBuffer guarded(texture);
-  runReference(*c.look, expected.view(), guarded.data(), {blockOrNull, c.ratio});
+  const std::uint8_t* const texels = texture.empty() ? nullptr : guarded.data();
+  runReference(*c.look, expected.view(), texels, {blockOrNull, c.ratio});
   expectEverywhere(picture, expected, [&](const Picture& copy, Threads threads) {
-    return runLook(c.look->look(), copy, {guarded.data(), blockOrNull, c.ratio}, threads);
+    return runLook(c.look->look(), copy, {texels, blockOrNull, c.ratio}, threads);
   });
 }
 
@@ -94,7 +95,7 @@ TEST(Looks, EqualThePlainFormulasAtEverySize) {
   for (int width = 88; width <= 120; width += kWidthStep) {
     for (const PixelFormat format : kFormats) {
       const bool isRgba = format == PixelFormat::kRgba;
-      const int w = isRgba ? width + width / 2 % 2 : width & ~1, h = isRgba ? 89 + width % 4 : 90;
+      const int w = isRgba ? width : width & ~1, h = isRgba ? 89 + width % 4 : 90;
       for (int turn = 0; turn < 4; ++turn) {
         const Case& c = cases[next++ * 7 % cases.size()];
         expectPlainForm(c, TestPicture(format, w, h, width % 3 * 5), 3);

@@ -24,11 +24,13 @@ std::string quoted(const std::string& message) {
   return text + '"';
 }
 
-// The status and the messages, without the numbers of workers.
-std::string outcomeOf(const ModeCall& call, const TestHandle& handle) {
+// The status, the starts of workers, and the messages without the numbers of workers.
+std::string outcomeOf(const ModeCall& call, const TestHandle& handle, std::uint64_t faults = 0) {
+  const ThreadFaults injected(faults);
   const TestPicture picture(call.format, kPicture.width, kPicture.height);
   const CapturedLog log;
   std::string text = std::to_string(run(call, handle.get(), picture.image()));
+  text += ", " + std::to_string(ThreadFaults::startCount()) + " starts";
   for (const CapturedLog::Line& line : log.lines()) {
     if (line.priority != kLogError) continue;
     const bool isNumbered = line.format.find("threadID") != std::string::npos;
@@ -48,7 +50,6 @@ void addOutcome(Lines& lines, const char* fault, int n, const std::string& outco
 void addCall(const ModeCall& call, const TestHandle& handle, TestAllocator& allocator,
              std::vector<std::string>& table) {
   allocator.clearRequests();
-  const ThreadFaults none(0);
   std::string line = modeName(call) + (call.variant > 0 ? " otherwise " : " ") +
                      pathName(call.path) + (call.onCaller ? ", one thread, " : ", four threads, ") +
                      outcomeOf(call, handle) + ", requests";
@@ -62,8 +63,7 @@ void addCall(const ModeCall& call, const TestHandle& handle, TestAllocator& allo
     addOutcome(lines, "request", n, outcomeOf(call, handle));
   }
   for (int n = 1; n <= starts; ++n) {
-    const ThreadFaults fault(std::uint64_t{1} << (n - 1));
-    addOutcome(lines, "worker", n, outcomeOf(call, handle));
+    addOutcome(lines, "worker", n, outcomeOf(call, handle, std::uint64_t{1} << (n - 1)));
   }
   for (const auto& [faults, outcome] : lines) table.push_back("  " + faults + ": " + outcome);
 }

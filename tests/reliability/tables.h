@@ -13,7 +13,7 @@ namespace lumora::test {
 std::vector<std::string> digestTable(const std::string& resourceDir, bool onCaller, bool reduced);
 
 // A line per mode, format, path of textures and count of threads with the sizes of its requests;
-// then, for every fault alone, the status and the error messages.
+// then, for every fault alone, the status, how many workers were started, and the error messages.
 std::vector<std::string> failureTable();
 
 }  // namespace lumora::test

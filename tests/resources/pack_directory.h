@@ -1,17 +1,25 @@
 // A resource directory that initialisations accept.
 #pragma once
 
+#include "resources/texture_pack.h"
 #include "support/resource_directory.h"
+#include "support/test_picture.h"
 
 namespace lumora::test {
 
-// Holds a pack full of noise, and no tuning document.
+// Holds a pack with a valid header and full of noise, so that no two textures are alike, and no
+// tuning document.
 class PackDirectory : public ResourceDirectory {
  public:
   PackDirectory() { write(pack(), packBytes()); }
 
   static const Bytes& packBytes() {
-    static const Bytes bytes = noisyPack();
+    static const Bytes bytes = [] {
+      Bytes pack = noiseBytes(kPackBytes, 11);
+      const std::uint8_t header[] = {4, 0, 4, 0, 11, 12, 13, 14, 15, 16, 1, 4, 1, 1, 0, 4};
+      std::copy(std::begin(header), std::end(header), pack.begin());
+      return pack;
+    }();
     return bytes;
   }
   void overwritePack(std::size_t offset, const Bytes& bytes) const {

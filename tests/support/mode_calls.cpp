@@ -86,8 +86,7 @@ std::uint32_t run(const ModeCall& call, FilterHandle* handle, const FilterImage&
 }
 
 std::string modeName(const ModeCall& call) {
-  static constexpr const char* kFormatNames[] = {"", "rgba", "nv21", "nv12"};
-  return std::string(findMode(call.mode)->name) + ' ' + kFormatNames[static_cast<int>(call.format)];
+  return std::string(findMode(call.mode)->name) + ' ' + formatName(call.format);
 }
 
 std::string pathName(TexturePath path) {

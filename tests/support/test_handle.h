@@ -32,10 +32,9 @@ class TestHandle {
     view.header().mode() = static_cast<std::uint8_t>(layout.mode);
     view.header().prepared() = layout.prepared;
     std::fill_n(view.params(), kFilterParamsBytes, std::uint8_t{1});
-    Noise noise(77);
     const auto textureBytes =
         static_cast<std::size_t>(kPlaneCount * layout.textureSize.pixels() + small.bytes());
-    std::generate_n(view.plane(0), textureBytes, [&] { return noise.byte(); });
+    std::ranges::copy(noiseBytes(textureBytes, 77), view.plane(0));
     allocator.clearRequests();
   }
   ~TestHandle() { filterDestroy(&handle_); }

@@ -18,6 +18,11 @@ std::ptrdiff_t strideOf(PixelFormat format, int width, int extraStride) {
 
 }  // namespace
 
+const char* formatName(PixelFormat format) {
+  static constexpr const char* kNames[] = {"", "rgba", "nv21", "nv12"};
+  return kNames[static_cast<int>(format)];
+}
+
 Bytes noiseBytes(std::size_t count, std::uint32_t seed) {
   Bytes bytes(count);
   Noise noise(seed);
@@ -78,8 +83,7 @@ std::string TestPicture::difference(const TestPicture& expected) const {
 }
 
 std::string TestPicture::description() const {
-  static constexpr const char* kFormatNames[] = {"", "rgba ", "nv21 ", "nv12 "};
-  return kFormatNames[static_cast<int>(view_.format)] + std::to_string(view_.widthPixels) + " x " +
+  return std::string(formatName(view_.format)) + ' ' + std::to_string(view_.widthPixels) + " x " +
          std::to_string(view_.heightRows);
 }
 

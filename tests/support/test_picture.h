@@ -1,5 +1,4 @@
-// Pictures of any format in guarded memory, and the plain scalar arithmetic that the looks are
-// checked against.
+// Pictures of any format in guarded memory, the noise that fills them, and the vector levels.
 #pragma once
 
 #include <cstdint>
@@ -24,6 +23,8 @@ inline constexpr bool kReduced = false;
 inline constexpr const char* kNone = "none";
 inline constexpr PixelFormat kFormats[] = {PixelFormat::kRgba, PixelFormat::kNv21,
                                            PixelFormat::kNv12};
+
+const char* formatName(PixelFormat format);
 
 // xorshift32: the same noise everywhere.
 class Noise {
@@ -79,7 +80,7 @@ class TestPicture {
   Picture view_;
 };
 
-// Every vector level this processor has, for parameterised tests.
+// Every vector level this processor has.
 std::vector<int> supportedLevels();
 
 // Uses one vector level while it lives.
