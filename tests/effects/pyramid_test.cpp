@@ -48,13 +48,16 @@ TEST(Pyramid, ReducesLikeThePlainSteps) {
   }
 }
 
-// Every third mask byte is an end of the scale, and some vectors hold nothing but one end.
+// Some vectors hold nothing but one end of the scale, or nothing but its neighbour, others any
+// value or a mixture of both ends and any value.
 Bytes mixedMask(int width, int height) {
   Bytes mask(static_cast<std::size_t>(width * height));
   Noise noise(5);
   for (std::size_t i = 0; i < mask.size(); ++i) {
-    const std::uint8_t ends[] = {0, 255, noise.byte()};
-    mask[i] = ends[i / 97 % 4 == 3 ? noise.next() % 3 : i / 97 % 4 % 3];
+    const std::uint8_t any = noise.byte();
+    const std::uint8_t choices[] = {0, 255, any, 1, 254};
+    const std::size_t stretch = i / 97 % 6;
+    mask[i] = choices[stretch == 5 ? noise.next() % 3 : stretch];
   }
   return mask;
 }
