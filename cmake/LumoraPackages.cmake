@@ -15,6 +15,15 @@ set(CPACK_COMPONENTS_ALL runtime development)
 if(LUMORA_WITH_TOOL)
   list(APPEND CPACK_COMPONENTS_ALL tools)
 endif()
+if(LUMORA_WITH_PYTHON)
+  list(APPEND CPACK_COMPONENTS_ALL python)
+endif()
+if(LUMORA_WITH_FREI0R)
+  list(APPEND CPACK_COMPONENTS_ALL frei0r)
+endif()
+if(LUMORA_WITH_GSTREAMER)
+  list(APPEND CPACK_COMPONENTS_ALL gstreamer)
+endif()
 set(CPACK_COMPONENTS_GROUPING ONE_PER_GROUP)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -57,9 +66,36 @@ metadata, and turns them upright. It draws a sheet of all looks on a picture,
 filters raw video frames from a pipe, and makes and checks texture packs and
 tuning documents.")
 
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-lumora)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+# The module has the library inside and shares its resources.
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${same_version}, python3 (>= 3.11), python3:any")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-numpy, python3-pil")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
+  ${PROJECT_SOURCE_DIR}/packaging/python/postinst ${PROJECT_SOURCE_DIR}/packaging/python/prerm)
+set(CPACK_DEBIAN_PYTHON_DESCRIPTION "picture filters for photographs and camera frames - Python
+import lumora gives Pillow pictures, numpy arrays and camera frames one of
+twenty looks, without copying what lies in a buffer and without holding up
+other threads.")
+
+set(CPACK_DEBIAN_FREI0R_PACKAGE_NAME lumora-frei0r)
+set(CPACK_DEBIAN_FREI0R_PACKAGE_SECTION video)
+set(CPACK_DEBIAN_FREI0R_PACKAGE_DEPENDS "${same_version}")
+set(CPACK_DEBIAN_FREI0R_DESCRIPTION "picture filters for video editors - frei0r plug-ins
+Twenty looks and effects for ffmpeg, MLT and the video editors on top of it,
+and every other program that loads frei0r plug-ins.")
+
+set(CPACK_DEBIAN_GSTREAMER_PACKAGE_NAME gstreamer1.0-lumora)
+set(CPACK_DEBIAN_GSTREAMER_PACKAGE_SECTION video)
+set(CPACK_DEBIAN_GSTREAMER_PACKAGE_DEPENDS "${same_version}")
+set(CPACK_DEBIAN_GSTREAMER_DESCRIPTION "picture filters for GStreamer
+The element lumorafilter gives video one of twenty looks and effects, in place
+on RGBA, NV12 and NV21 frames. Camera programs that read effect descriptions
+list them by name.")
+
 # What Debian wants in every package besides the installed files.
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/debian_files.cmake)
 set(CPACK_LUMORA_PACKAGE_NAMES
-  "runtime=${runtime_package};development=liblumora-filters-dev;tools=lumora")
+  "runtime=${runtime_package};development=liblumora-filters-dev;tools=lumora;python=python3-lumora;frei0r=lumora-frei0r;gstreamer=gstreamer1.0-lumora")
 set(CPACK_LUMORA_SOURCE_DIR ${PROJECT_SOURCE_DIR})
 include(CPack)

@@ -6,7 +6,11 @@
  *
  * Threads: the functions may be called from any thread. Calls that use one handle must not overlap;
  * different handles are independent. A process call starts four POSIX threads per step and joins
- * them before it returns, unless the call record asks for the calling thread alone.
+ * them before it returns, unless the call record asks for the calling thread alone. A thread that
+ * is cancelled (pthread_cancel) in a call ends when the call has returned.
+ *
+ * Stack: a call takes at most 24 kB on its own thread and on each of its workers, which start with
+ * the process's default attributes; the host's allocator and log come on top.
  *
  * Memory: the handle and every working buffer come from the host's FilterAllocator; working buffers
  * are released before the call returns. Records are borrowed for the call and never kept.
@@ -15,7 +19,8 @@
  * line of an initialisation has priority 4). On Android that is the system's function. Elsewhere
  * the library carries a weak one that writes a line to standard error; a host replaces it by
  * defining its own (a host that opens the library at run time must export it, for example by
- * linking with -rdynamic). The four-threaded NV12 step also writes two lines to standard output.
+ * linking with -rdynamic). The four-threaded NV12 step also writes two lines to standard output;
+ * where that is a pipe that nobody reads any more, SIGPIPE ends a host that does not ignore it.
  *
  * On 32-bit builds every field is 32 bits wide and the records have the offsets that hosts of the
  * 32-bit ARM library know. On 64-bit builds pointers have their native size, in the same order.
@@ -46,7 +51,8 @@ enum {
 
 /* FilterImage::eFormat */
 enum {
-  LUMORA_FORMAT_RGBA = 1, /* four bytes a pixel: R, G, B, A; alpha is never changed by a look */
+  LUMORA_FORMAT_RGBA = 1, /* four bytes a pixel: R, G, B, A; alpha is changed by mode 17 alone,
+                             which copies that of a block's first row to its other rows */
   LUMORA_FORMAT_NV21 = 2, /* luma plane, then interleaved chroma pairs V, U at half resolution */
   LUMORA_FORMAT_NV12 = 3  /* luma plane, then interleaved chroma pairs U, V at half resolution */
 };
@@ -74,6 +80,17 @@ enum {
   LUMORA_MODE_COLOUR_FIX = 18, /* filterProcess_for_album, RGBA only */
   LUMORA_MODE_BLUR = 19,       /* filterProcess_for_album only */
   LUMORA_MODE_TILT_SHIFT = 20  /* filterProcess_for_album only */
+};
+
+/* Limits of the records. */
+enum {
+  LUMORA_SHORTEST_SIDE = 88,       /* of a picture, pixels */
+  LUMORA_LONGEST_SIDE = 20000,     /* of a picture, pixels */
+  LUMORA_FULL_STRENGTH = 16,       /* effectRatio: the look as it is */
+  LUMORA_STRONGEST = 32,           /* effectRatio, blur level and TiltShiftParam::core at most */
+  LUMORA_SHORTEST_MOSAIC_SIDE = 8, /* of the rectangle, and of a block, pixels */
+  LUMORA_LONGEST_MOSAIC_SIDE = 2000,
+  LUMORA_LONGEST_RESOURCE_DIR = 245 /* bytes of pcResourceDir */
 };
 
 /* The host's memory. Copied into the handle at initialisation; the record itself is not kept, but
@@ -138,7 +155,8 @@ typedef struct FilterProcessParam {
   int32_t effectRatio;  /* strength 0..32: 0 half effect, 16 full, 17..32 stronger; for modes 19 and
                            20 the blur level. Below 16 the call rewrites it to 8 + half of it (not
                            for modes 19 and 20): use a fresh record for every picture */
-  int32_t mosaicSize;   /* mode 17: edge of one block, pixels, 8..shorter side of the rectangle */
+  int32_t mosaicSize;   /* mode 17: edge of one block, pixels, 8..shorter side of the rectangle; odd
+                           ones leave gaps between the blocks of NV chroma */
   int32_t singleThread; /* 0: four worker threads a step; otherwise the calling thread alone */
 } FilterProcessParam;
 
@@ -225,14 +243,19 @@ LUMORA_FILTERS_API uint32_t filterDestroy(FilterHandle** phHandle);
  *   256  modes 18 to 20
  *   256, 512  mode 17: the rectangle or the block size
  *   256  odd width or height (NV21, NV12); stride too small; unknown format
- *   512  no memory for the copy that strengths below 16 are blended with
+ *   512  no memory of the picture's size, which strengths below 16 ask for
  *   256  unknown mode
  *   512, 4096  no memory for a working buffer; a worker could not be started (the picture may be
  *        partly filtered)
  *
- * Memory: below strength 16 a copy of the picture; where the handle has no texture of the picture's
- * size, one byte a pixel (LIANGHONG and MEISHIMENGHUAN three, LAODIANYING two); mode 17 up to 15
- * bytes a pixel of the rectangle. */
+ * A mosaic (mode 17) is never left out. Where its memory is refused or one of its workers does not
+ * start, that is logged, the calling thread makes the mosaic all the same, with the same bytes, and
+ * the status is 0. Below strength 16 the memory of the picture's size may still be refused, as
+ * above.
+ *
+ * Memory: below strength 16 as much as the picture, of which most modes touch nothing; where the
+ * handle has no texture of the picture's size, one byte a pixel (LIANGHONG and MEISHIMENGHUAN
+ * three, LAODIANYING two); mode 17 up to 15 bytes a pixel of the rectangle. */
 LUMORA_FILTERS_API uint32_t filterProcess(FilterHandle* handle, const FilterImage* pstImage,
                                           FilterProcessParam* pstParam);
 

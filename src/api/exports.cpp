@@ -1,4 +1,6 @@
 // The exported functions.
+#include <pthread.h>
+
 #include "api/init_checks.h"
 #include "api/record_layout.h"
 #include "lumora/filters.h"
@@ -35,6 +37,21 @@ std::uint32_t initialise(FilterHandle** handle, const InitRequest& request) {
   return static_cast<std::uint32_t>(status);
 }
 
+// A cancelled thread would leave its workers at the host's picture and its blocks to nobody, so
+// cancellation waits until the call returns. Android's threads cannot be cancelled.
+template <class Work>
+std::uint32_t uncancelled(Work work) {
+#if defined(__ANDROID__)
+  return work();
+#else
+  int before = 0;
+  pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &before);
+  const std::uint32_t status = work();
+  pthread_setcancelstate(before, nullptr);
+  return status;
+#endif
+}
+
 // Null addresses are refused before the record is looked at.
 template <class Param>
 bool checkArguments(FilterHandle** handle, const Param* param) {
@@ -55,39 +72,49 @@ std::uint32_t getFilterVersion(void) { return kVersionNumber; }
 
 std::uint32_t filterInit(FilterHandle** phHandle, FilterInitParam* pstParamInit) {
   static FilterAllocator defaultAllocator = makeDefaultAllocator();
-  logVersion();
-  if (!checkArguments(phHandle, pstParamInit)) return LUMORA_BAD_ARGUMENT;
-  return initialise(phHandle,
-                    {pstParamInit->eMode, pstParamInit->eDirection, pstParamInit->width,
-                     pstParamInit->height, pstParamInit->pstAllocator, defaultAllocator, nullptr});
+  return uncancelled([=]() -> std::uint32_t {
+    logVersion();
+    if (!checkArguments(phHandle, pstParamInit)) return LUMORA_BAD_ARGUMENT;
+    return initialise(
+        phHandle, {pstParamInit->eMode, pstParamInit->eDirection, pstParamInit->width,
+                   pstParamInit->height, pstParamInit->pstAllocator, defaultAllocator, nullptr});
+  });
 }
 
 std::uint32_t filterInit_APP(FilterHandle** phHandle, FilterInitParamApp* pstParamInit) {
   static FilterAllocator defaultAllocator = makeDefaultAllocator();
-  logVersion();
-  if (!checkArguments(phHandle, pstParamInit)) return LUMORA_BAD_ARGUMENT;
-  return initialise(phHandle, {pstParamInit->eMode, pstParamInit->eDirection, pstParamInit->width,
-                               pstParamInit->height, pstParamInit->pstAllocator, defaultAllocator,
-                               pstParamInit->pcResourceDir});
+  return uncancelled([=]() -> std::uint32_t {
+    logVersion();
+    if (!checkArguments(phHandle, pstParamInit)) return LUMORA_BAD_ARGUMENT;
+    return initialise(phHandle, {pstParamInit->eMode, pstParamInit->eDirection, pstParamInit->width,
+                                 pstParamInit->height, pstParamInit->pstAllocator, defaultAllocator,
+                                 pstParamInit->pcResourceDir});
+  });
 }
 
 std::uint32_t filterDestroy(FilterHandle** phHandle) {
-  if (phHandle != nullptr && *phHandle != nullptr) {
-    // The allocator is part of the block that it takes back.
-    const FilterAllocator allocator = FilterHandleView(*phHandle).allocator();
-    allocator.release(*phHandle, kAllocationTag, 0);
-    *phHandle = nullptr;
-  }
-  return LUMORA_OK;
+  return uncancelled([=]() -> std::uint32_t {
+    if (phHandle != nullptr && *phHandle != nullptr) {
+      // The allocator is part of the block that it takes back.
+      const FilterAllocator allocator = FilterHandleView(*phHandle).allocator();
+      allocator.release(*phHandle, kAllocationTag, 0);
+      *phHandle = nullptr;
+    }
+    return LUMORA_OK;
+  });
 }
 
 std::uint32_t filterProcess(FilterHandle* handle, const FilterImage* pstImage,
                             FilterProcessParam* pstParam) {
-  return static_cast<std::uint32_t>(processFrame(handle, pstImage, pstParam, nullptr));
+  return uncancelled([=] {
+    return static_cast<std::uint32_t>(processFrame(handle, pstImage, pstParam, nullptr));
+  });
 }
 
 std::uint32_t filterProcess_for_album(FilterHandle* handle, const FilterImage* pstImage,
                                       FilterAlbumParam* pstParam) {
   FilterProcessParam* const process = pstParam != nullptr ? &pstParam->stProcess : nullptr;
-  return static_cast<std::uint32_t>(processFrame(handle, pstImage, process, pstParam));
+  return uncancelled([=] {
+    return static_cast<std::uint32_t>(processFrame(handle, pstImage, process, pstParam));
+  });
 }

@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "pipeline/frame_checks.h"
+#include "modes/modes.h"
 #include "platform/log.h"
 #include "platform/vector_level.h"
 
@@ -24,16 +24,15 @@ Status checkAllocator(const InitRequest& request) {
   return Status::kOk;
 }
 
-// Modes 1 to 4 and 9 to 12 use no texture: with bit 3 cleared they are 1 to 4.
+// A look without a texture runs on every handle and needs none of its own.
 bool isInitMode(std::uint32_t mode) {
-  const std::uint32_t folded = mode & ~std::uint32_t{8};
-  return folded < 1 || folded > 4;
+  return mode == LUMORA_MODE_ANY || mode >= LUMORA_MODE_MOSAIC || usesTexture(mode);
 }
 
 bool isInitSize(std::uint32_t width, std::uint32_t height) {
   if (width == 0 && height == 0) return true;
-  return width >= kShortestSide && width <= kLongestSide && height >= kShortestSide &&
-         height <= kLongestSide;
+  return width >= LUMORA_SHORTEST_SIDE && width <= LUMORA_LONGEST_SIDE &&
+         height >= LUMORA_SHORTEST_SIDE && height <= LUMORA_LONGEST_SIDE;
 }
 
 }  // namespace

@@ -1,11 +1,12 @@
-// The tuning blocks: which look has one, where it lies in FilterParams, and what it holds.
+// The tuning blocks: where each lies in FilterParams, and what it holds. Which look has which
+// stands in the facts of the modes.
 #pragma once
 
 #include <cstdint>
 #include <iterator>
 
-#include "looks/colour/tone_curve.h"
-#include "lumora/filters.h"
+#include "modes/modes.h"
+#include "pixels/tone_curve.h"
 
 namespace lumora {
 
@@ -42,8 +43,6 @@ inline constexpr ScalarRule kGlowRule = {
 
 struct TuningBlock {
   char letter;  // its keys are /Config/filter<letter>/param<N>
-  int mode;
-  const char* look;
   int offset;
   int curveCount;  // keys from param1 on
   int scalarCount;
@@ -63,21 +62,19 @@ struct TuningBlock {
 // In the order of the blocks in FilterParams, which is also the order of reading.
 inline constexpr TuningBlock kTuningBlocks[] = {
     // clang-format off
-    {'A', LUMORA_MODE_MORAN,            "MORAN",            0, 1, 0, {}, nullptr, false},
-    {'B', LUMORA_MODE_RIXI,             "RIXI",            25, 3, 0, {}, nullptr, false},
-    {'C', LUMORA_MODE_FUGU,             "FUGU",            98, 3, 0, {}, nullptr, false},
-    {'D', LUMORA_MODE_VALENCIA,         "VALENCIA",       171, 3, 0, {}, nullptr, false},
-    {'E', LUMORA_MODE_LAODIANYING,      "LAODIANYING",    244, 0, 4,
-     {{1, 255}, {2, 230}, {3, 172}, {4, 0}}, &kTintRule, false},
-    {'F', LUMORA_MODE_YUNDUAN,          "YUNDUAN",        249, 3, 0, {}, nullptr, false},
-    {'G', LUMORA_MODE_NUANYANGYANG,     "NUANYANGYANG",   322, 3, 0, {}, nullptr, false},
-    {'H', LUMORA_MODE_TIANMEIKEREN,     "TIANMEIKEREN",   395, 3, 0, {}, nullptr, false},
-    {'I', LUMORA_MODE_MEISHIMENGHUAN,   "MEISHIMENGHUAN", 468, 3, 2,
-     {{4, 4}, {5, 2}}, &kGlowRule, false},
-    {'J', LUMORA_MODE_XPRO2,            "XPRO2",          543, 3, 0, {}, nullptr, false},
-    {'K', LUMORA_MODE_HUDSON,           "HUDSON",         616, 3, 0, {}, nullptr, false},
-    {'L', LUMORA_MODE_MYFAIR,           "MYFAIR",         689, 3, 0, {}, nullptr, true},
-    {'M', LUMORA_MODE_LOFI,             "LOFI",           762, 1, 0, {}, nullptr, true},
+    {'A',   0, 1, 0, {}, nullptr, false},
+    {'B',  25, 3, 0, {}, nullptr, false},
+    {'C',  98, 3, 0, {}, nullptr, false},
+    {'D', 171, 3, 0, {}, nullptr, false},
+    {'E', 244, 0, 4, {{1, 255}, {2, 230}, {3, 172}, {4, 0}}, &kTintRule, false},
+    {'F', 249, 3, 0, {}, nullptr, false},
+    {'G', 322, 3, 0, {}, nullptr, false},
+    {'H', 395, 3, 0, {}, nullptr, false},
+    {'I', 468, 3, 2, {{4, 4}, {5, 2}}, &kGlowRule, false},
+    {'J', 543, 3, 0, {}, nullptr, false},
+    {'K', 616, 3, 0, {}, nullptr, false},
+    {'L', 689, 3, 0, {}, nullptr, true},
+    {'M', 762, 1, 0, {}, nullptr, true},
     // clang-format on
 };
 inline constexpr int kTuningBlockCount = static_cast<int>(std::size(kTuningBlocks));
@@ -94,11 +91,26 @@ static_assert(kTuningBlockCount == 13 && tuningBlocksAreContiguous());
 
 // The block of a mode, or null.
 constexpr const TuningBlock* tuningBlockOf(std::uint32_t mode) {
-  for (const TuningBlock& block : kTuningBlocks) {
-    if (static_cast<std::uint32_t>(block.mode) == mode) return &block;
-  }
-  return nullptr;
+  const ModeFacts* const facts = findModeFacts(mode);
+  if (facts == nullptr || facts->tuningGroup == 0) return nullptr;
+  return &kTuningBlocks[facts->tuningGroup - 'A'];
 }
+
+// The mode of a block.
+constexpr const ModeFacts& modeOf(const TuningBlock& block) {
+  std::uint32_t mode = 1;
+  while (kModes[mode - 1].tuningGroup != block.letter) ++mode;
+  return kModes[mode - 1];
+}
+
+constexpr bool everyBlockHasItsMode() {
+  for (int i = 0; i < kTuningBlockCount; ++i) {
+    if (kTuningBlocks[i].letter != 'A' + i) return false;
+    if (tuningBlockOf(modeOf(kTuningBlocks[i]).number) != &kTuningBlocks[i]) return false;
+  }
+  return true;
+}
+static_assert(everyBlockHasItsMode());
 
 // Where the block of a mode begins in FilterParams; -1 without one.
 constexpr int tuningOffsetOf(std::uint32_t mode) {

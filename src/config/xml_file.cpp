@@ -8,9 +8,6 @@ namespace lumora {
 namespace {
 
 constexpr std::size_t kGuessedBytes = 200;
-// The tree of a hostile document takes some thirty times the document's size, so a file of any size
-// could take all of the host's memory. Real documents have a few thousand bytes.
-constexpr std::int64_t kLargestFile = 16 << 20;
 // Zeros behind the file's bytes: one for each byte of the longest character.
 constexpr std::size_t kTerminatorBytes = 4;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
@@ -35,7 +32,7 @@ XmlStatus readWhole(const char* fileName, XmlText& bytes) {
   if (!file.seekToEnd()) return XmlStatus::kEmptyFile;
   const std::int64_t position = file.position();
   if (position < 1 || !file.seekToStart()) return XmlStatus::kEmptyFile;
-  if (position > kLargestFile) return XmlStatus::kNoText;
+  if (position > kLargestDocument) return XmlStatus::kNoText;
   const auto size = static_cast<std::size_t>(position);
   bytes = XmlText::ofSize(size + kTerminatorBytes);
   if (!bytes) return XmlStatus::kNoText;

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <limits>
 #include <string_view>
 #include <type_traits>
@@ -10,19 +11,7 @@
 
 namespace lumora {
 
-// Where the memory comes from. Tests put a heap here that counts blocks and fails at will.
-struct XmlHeap {
-  void* (*reallocate)(void* block, std::size_t bytes);  // block null: a new one; null: no memory
-  void (*release)(void* block);                         // block may be null
-};
-
-// Null: malloc's. Not to be changed while a document lives.
-void setXmlHeap(const XmlHeap* other);
-
-void* xmlReallocate(void* block, std::size_t bytes);
-void xmlRelease(void* block);
-
-// Owns one block of characters.
+// Owns one block of characters, which is malloc's.
 class XmlText {
  public:
   XmlText() = default;
@@ -32,7 +21,7 @@ class XmlText {
     std::swap(block_, other.block_);
     return *this;
   }
-  ~XmlText() { xmlRelease(block_); }
+  ~XmlText() { std::free(block_); }
 
   // A block of that size, or null.
   static XmlText ofSize(std::size_t bytes);
@@ -60,7 +49,7 @@ class XmlArray {
   XmlArray() = default;
   XmlArray(const XmlArray&) = delete;
   XmlArray& operator=(const XmlArray&) = delete;
-  ~XmlArray() { xmlRelease(elements_); }
+  ~XmlArray() { std::free(elements_); }
 
   int count() const { return count_; }
   T* begin() const { return elements_; }
@@ -98,7 +87,7 @@ class XmlArray {
     if (capacity > kMaxCount) capacity = kMaxCount;
     const auto bytes = static_cast<std::uint64_t>(capacity) * sizeof(T);
     if (bytes > std::numeric_limits<std::size_t>::max() / 2) return false;
-    void* block = xmlReallocate(elements_, static_cast<std::size_t>(bytes));
+    void* block = std::realloc(elements_, static_cast<std::size_t>(bytes));
     if (block == nullptr) return false;
     elements_ = static_cast<T*>(block);
     capacity_ = static_cast<int>(capacity);

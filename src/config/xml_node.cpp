@@ -1,5 +1,6 @@
 #include "config/xml_node.h"
 
+#include <cstdlib>
 #include <new>
 
 #include "config/characters.h"
@@ -22,7 +23,7 @@ bool addItem(XmlNodeData& node, XmlArray<T>& items, const T& item, XmlItemKind k
 
 void destroy(XmlNodeData* node) {
   node->~XmlNodeData();
-  xmlRelease(node);
+  std::free(node);
 }
 
 // Gives up one handle to the node. When it was the last one, the node goes with everything below
@@ -48,16 +49,16 @@ void releaseNode(XmlNodeData* node) {
 }  // namespace
 
 XmlNodeData::~XmlNodeData() {
-  for (char* text : texts) xmlRelease(text);
-  for (const XmlSection& section : sections) xmlRelease(section.content);
+  for (char* text : texts) std::free(text);
+  for (const XmlSection& section : sections) std::free(section.content);
   for (const XmlAttribute& attribute : attributes) {
-    xmlRelease(attribute.name);
-    xmlRelease(attribute.value);
+    std::free(attribute.name);
+    std::free(attribute.value);
   }
 }
 
 XmlNodeData* XmlNodeData::create() {
-  void* const block = xmlReallocate(nullptr, sizeof(XmlNodeData));
+  void* const block = std::malloc(sizeof(XmlNodeData));
   return block != nullptr ? new (block) XmlNodeData : nullptr;
 }
 

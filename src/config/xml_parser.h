@@ -3,6 +3,8 @@
 // the bytes it reads.
 #pragma once
 
+#include <cstdint>
+
 #include "config/encoding.h"
 #include "config/xml_node.h"
 #include "config/xml_status.h"
@@ -13,6 +15,10 @@ namespace lumora {
 // otherwise a nameless node above declaration, elements and whatever else stands beside them. A
 // status that discards the document gives the empty node.
 XmlNode parseText(const char* text, XmlEncoding encoding, XmlOutcome& outcome);
+
+// Longer files are not read: the tree of a hostile document takes some seventy times the document's
+// size. Real documents have a few thousand bytes.
+inline constexpr std::int64_t kLargestDocument = 16 << 20;
 
 // Guesses the file's encoding, for later documents too, and parses it. A file below 200 bytes is
 // never parsed.

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 
-#include "effects/binomial_blur.h"
-#include "effects/down_sample.h"
-#include "effects/gaussian.h"
-#include "effects/masks.h"
-#include "effects/pyramid_memory.h"
-#include "effects/up_scale.h"
+#include "effects/masks/masks.h"
+#include "effects/pyramid/down_sample.h"
+#include "effects/pyramid/pyramid_memory.h"
+#include "effects/pyramid/up_scale.h"
+#include "effects/smoothing/binomial_blur.h"
+#include "effects/smoothing/gaussian.h"
 #include "platform/host_block.h"
 #include "platform/log.h"
 

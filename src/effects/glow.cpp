@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <bit>
 
-#include "effects/binomial_blur.h"
-#include "effects/down_sample.h"
 #include "effects/focus.h"
-#include "effects/pyramid_memory.h"
-#include "effects/up_scale.h"
+#include "effects/pyramid/down_sample.h"
+#include "effects/pyramid/pyramid_memory.h"
+#include "effects/pyramid/up_scale.h"
+#include "effects/smoothing/binomial_blur.h"
 #include "looks/colour/colour_looks.h"
 
 namespace lumora {
@@ -39,7 +39,7 @@ Status FilterMeishimenghuan(const Picture& picture, std::uint8_t* scratch,
   const int shortSide = std::min(picture.widthPixels, picture.heightRows);
   if (shortSide <= kShortSideLimit) return Status::kBadArgument;
   blendGlow(picture, scratch, glowLevels(shortSide), GlowWeight(ratio), threads);
-  return runLook(kMeishimenghuan(), picture, {nullptr, block, ratio}, threads);
+  return runLook(kMeishimenghuan(), picture, {{}, block, ratio}, threads);
 }
 
 }  // namespace lumora

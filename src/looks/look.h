@@ -4,23 +4,19 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "looks/colour/tone_curve.h"
+#include "pixels/pixel_rows.h"
+#include "pixels/tone_curve.h"
 #include "platform/picture.h"
 #include "platform/status.h"
 
 namespace lumora {
 
-// One run of rows in place: a stripe, or the whole picture.
+// A look's work on one run of rows.
 struct LookJob {
-  int widthPixels;
-  int rows;  // luma rows for NV pictures, always even
-  std::ptrdiff_t strideBytes;
-  std::uint8_t* pixels;  // first RGBA or luma row
-  std::uint8_t* chroma;  // first chroma row of NV pictures, otherwise null
-  // Packed at the picture's width, from the run's first row on; null for looks without a texture.
-  const std::uint8_t* texture;
+  PixelRows rows;
   const std::uint8_t* block;  // the look's tuning block from its flag byte on; null without one
-  int ratio;                  // strength 8..32; up to 16 a look gives its plain result
+  int ratio;  // strength 8..32; below 16 the plain result is mixed into the picture, above it a
+              // look does more
 };
 
 using RunForm = void (*)(const LookJob& job);
@@ -35,23 +31,16 @@ struct BuiltInCurves {
 
 struct Look {
   RunForm rgba;
-  RunForm nv21;
-  RunForm nv12;
+  RunForm nv;
   int textureBytesPerPixel;
   const BuiltInCurves* builtIn;  // null for looks whose curves cannot be tuned
 
-  RunForm runForm(PixelFormat format) const {
-    switch (format) {
-      case PixelFormat::kNv21: return nv21;
-      case PixelFormat::kNv12: return nv12;
-      default: return rgba;
-    }
-  }
+  RunForm runForm(const Picture& picture) const { return picture.isRgba() ? rgba : nv; }
 };
 
 // What a call hands to a look beside the picture.
 struct LookInputs {
-  const std::uint8_t* texture;
+  TextureSource texture;
   const std::uint8_t* block;
   int ratio;
 };

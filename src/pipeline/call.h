@@ -1,7 +1,7 @@
 // One process call on its way through the pipeline.
 #pragma once
 
-#include "effects/mosaic.h"
+#include "effects/mosaic/mosaic.h"
 #include "platform/picture.h"
 #include "resources/handle_layout.h"
 
@@ -16,6 +16,8 @@ struct Call {
   MosaicRect rect;
   int mosaicSize;
   Threads threads;
+  // Room for a copy of the picture, not written yet; null from the full strength on.
+  std::uint8_t* copy;
   // Null for filterProcess.
   const BlurParam* blur;
   const TiltShiftParam* tiltShift;

@@ -2,17 +2,18 @@
 
 #include <algorithm>
 
-#include "pipeline/mode_table.h"
+#include "modes/modes.h"
 #include "platform/log.h"
 
 namespace lumora {
 namespace {
 
-constexpr std::int64_t kLongestRectSide = 2000;
-constexpr std::int32_t kShortestRectSide = 8;
-constexpr std::uint32_t kStrongestRatio = 32;
+constexpr std::int64_t kLongestRectSide = LUMORA_LONGEST_MOSAIC_SIDE;
+constexpr std::int32_t kShortestRectSide = LUMORA_SHORTEST_MOSAIC_SIDE;
 
-bool sideInRange(std::uint32_t side) { return side >= kShortestSide && side <= kLongestSide; }
+bool sideInRange(std::uint32_t side) {
+  return side >= LUMORA_SHORTEST_SIDE && side <= LUMORA_LONGEST_SIDE;
+}
 
 bool strideHolds(const FilterImage& image, std::int64_t rowBytes) {
   return image.stride >= rowBytes;
@@ -41,10 +42,10 @@ Status checkRecords(FilterHandle* handle, const FilterImage* image,
   if (image->picData == nullptr) return fail(Status::kBadState, "[%s] picData error!\n");
 
   const std::uint32_t handleMode = FilterHandleView(handle).header().mode();
-  if (handleMode != LUMORA_MODE_ANY && isTextureMode(param->eMode) && param->eMode != handleMode) {
+  if (handleMode != LUMORA_MODE_ANY && usesTexture(param->eMode) && param->eMode != handleMode) {
     return fail(Status::kBadArgument, "[%s] eMode error!\n");
   }
-  if (static_cast<std::uint32_t>(param->effectRatio) > kStrongestRatio) {
+  if (static_cast<std::uint32_t>(param->effectRatio) > LUMORA_STRONGEST) {
     // The mark after "error" is a full-width exclamation mark in GB2312.
     return fail(Status::kBadArgument, "[%s] effectRatio error\xA3\xA1\n");
   }
@@ -53,8 +54,9 @@ Status checkRecords(FilterHandle* handle, const FilterImage* image,
 
 Status checkAlbumMode(const FilterImage& image, const FilterProcessParam& param,
                       const FilterAlbumParam* album) {
+  const ModeFacts* const facts = findModeFacts(param.eMode);
   if (album == nullptr) {
-    if (param.eMode >= LUMORA_MODE_COLOUR_FIX && param.eMode <= LUMORA_MODE_TILT_SHIFT) {
+    if (facts != nullptr && facts->albumOnly) {
       // The mark after "Tiltshift" is an ideographic comma in GB2312.
       return fail(Status::kBadArgument,
                   "[%s] Current interface do not support Tiltshift\xA1\xA2"
@@ -64,7 +66,7 @@ Status checkAlbumMode(const FilterImage& image, const FilterProcessParam& param,
   }
   // The marks after "error" are full-width exclamation marks in GB2312.
   if (param.eMode == LUMORA_MODE_TILT_SHIFT &&
-      static_cast<std::uint32_t>(album->stTiltShift.core) > 32) {
+      static_cast<std::uint32_t>(album->stTiltShift.core) > LUMORA_STRONGEST) {
     return fail(Status::kBadArgument, "[%s] TiltShitf param error\xA3\xA1\n");
   }
   if (param.eMode == LUMORA_MODE_COLOUR_FIX) {
@@ -98,7 +100,7 @@ Status checkMosaic(const FilterImage& image, const FilterProcessParam& param, Mo
       param.rectHeight > std::min(height, kLongestRectSide)) {
     return fail(Status::kBadState, "[%s] the size of region is too big, Error!\n");
   }
-  // Both sides are at most 2000 here, so the shorter one is the only upper bound.
+  // Both sides are within the limit here, so the shorter one is the only upper bound.
   if (param.mosaicSize < kShortestRectSide ||
       param.mosaicSize > std::min(param.rectWidth, param.rectHeight)) {
     return fail(Status::kBadState, "[%s] the size of mosaic block is out of range, Error!\n");

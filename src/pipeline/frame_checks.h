@@ -7,9 +7,6 @@
 
 namespace lumora {
 
-inline constexpr std::uint32_t kShortestSide = 88;
-inline constexpr std::uint32_t kLongestSide = 20000;
-
 // Everything up to the strength: records, direction, size, handle, picture address, mode of the
 // handle, strength range. In this order; the first failure wins.
 Status checkRecords(FilterHandle* handle, const FilterImage* image,

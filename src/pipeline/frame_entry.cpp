@@ -1,12 +1,10 @@
 #include "pipeline/frame_entry.h"
 
 #include <cstdio>
-#include <cstring>
 
+#include "modes/modes.h"
 #include "pipeline/dispatch.h"
 #include "pipeline/frame_checks.h"
-#include "pipeline/mode_table.h"
-#include "pipeline/strength_blend.h"
 #include "platform/host_block.h"
 #include "platform/log.h"
 
@@ -16,15 +14,17 @@ namespace {
 // 0..15 becomes 8..15: the weakest call still mixes in half of the look. The caller sees the change
 // in its record, except for blur and tilt-shift, whose level this is.
 void adjustStrength(FilterProcessParam& param, bool isAlbum) {
-  const bool isLevel =
-      isAlbum && (param.eMode == LUMORA_MODE_BLUR || param.eMode == LUMORA_MODE_TILT_SHIFT);
-  if (!isLevel && param.effectRatio < kFullWeight) param.effectRatio = param.effectRatio / 2 + 8;
+  const ModeFacts* const facts = findModeFacts(param.eMode);
+  const bool isLevel = isAlbum && facts != nullptr && facts->strength == StrengthUse::kBlurLevel;
+  if (!isLevel && param.effectRatio < LUMORA_FULL_STRENGTH)
+    param.effectRatio = param.effectRatio / 2 + 8;
 }
 
+// Whether the host is asked for room for a copy of the picture; a mode that does not exist is found
+// out later.
 bool isBlended(std::uint32_t mode, int ratio) {
-  return ratio < kFullWeight && mode != LUMORA_MODE_MEISHIMENGHUAN &&
-         mode != LUMORA_MODE_COLOUR_FIX && mode != LUMORA_MODE_BLUR &&
-         mode != LUMORA_MODE_TILT_SHIFT;
+  const ModeFacts* const facts = findModeFacts(mode);
+  return ratio < LUMORA_FULL_STRENGTH && (facts == nullptr || facts->isBlended());
 }
 
 std::uint64_t pictureBytes(const FilterImage& image) {
@@ -45,6 +45,7 @@ Call makeCall(FilterHandle* handle, const FilterImage& image, const FilterProces
           .rect = rect,
           .mosaicSize = param.mosaicSize,
           .threads = param.singleThread != 0 ? Threads::kCaller : Threads::kFour,
+          .copy = nullptr,
           .blur = album != nullptr ? &album->stBlur : nullptr,
           .tiltShift = album != nullptr ? &album->stTiltShift : nullptr,
           .fixColour = album != nullptr ? &album->stFixColor : nullptr};
@@ -56,24 +57,6 @@ Status dispatchWithTrace(const Call& call) {
   const Status status = dispatch(call);
   if (traced) std::puts("After FilterProcessNV12_multiThred!");
   return status;
-}
-
-Status blend(const Call& call, const HostBlock& copy, std::size_t bytes) {
-  if (call.threads == Threads::kCaller) {
-    FilterBlend(copy.data(), call.picture.data, bytes, call.ratio);
-    return Status::kOk;
-  }
-  return FilterBlend_multiThread(copy.data(), call.picture.data, bytes, call.ratio);
-}
-
-// A look that fails after touching the picture leaves it partly filtered; it is blended all the
-// same, and the look's status is the one reported.
-Status filterAndBlend(const Call& call, const HostBlock& copy, std::size_t bytes) {
-  const Status filtered = dispatchWithTrace(call);
-  const Status blended = copy ? blend(call, copy, bytes) : Status::kOk;
-  const Status result = filtered != Status::kOk ? filtered : blended;
-  if (result != Status::kOk) logError("[%s] process failed!\n");
-  return result;
 }
 
 }  // namespace
@@ -92,19 +75,20 @@ Status processFrame(FilterHandle* handle, const FilterImage* image, FilterProces
   if (status == Status::kOk) status = checkFormat(*image);
   if (status != Status::kOk) return status;
 
-  const Call call = makeCall(handle, *image, *param, album, rect);
-  const std::uint64_t bytes = pictureBytes(*image);
+  Call call = makeCall(handle, *image, *param, album, rect);
   HostBlock copy;
   if (isBlended(call.mode, call.ratio)) {
-    copy = HostBlock(call.handle.allocator(), bytes);
+    copy = HostBlock(call.handle.allocator(), pictureBytes(*image));
     if (!copy) {
       return fail(Status::kNoMemory, image->eFormat == LUMORA_FORMAT_NV21
                                          ? "[%s] Mem malloc error!\n"
                                          : "[%s] can't malloc enough memory\n");
     }
-    std::memcpy(copy.data(), image->picData, static_cast<std::size_t>(bytes));
+    call.copy = copy.data();
   }
-  return filterAndBlend(call, copy, static_cast<std::size_t>(bytes));
+  status = dispatchWithTrace(call);
+  if (status != Status::kOk) logError("[%s] process failed!\n");
+  return status;
 }
 
 }  // namespace lumora

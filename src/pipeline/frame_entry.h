@@ -1,5 +1,5 @@
-// What filterProcess and filterProcess_for_album share: the checks in their order, the copy, the
-// dispatch and the strength blend.
+// What filterProcess and filterProcess_for_album share: the checks in their order, the room
+// for a copy, the dispatch.
 #pragma once
 
 #include "lumora/filters.h"

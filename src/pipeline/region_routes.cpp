@@ -1,15 +1,17 @@
-#include "effects/colour_fix.h"
-#include "effects/mosaic.h"
+#include <algorithm>
+
+#include "effects/colour_fix/colour_fix.h"
+#include "effects/mosaic/mosaic.h"
 #include "pipeline/routes.h"
 #include "platform/host_block.h"
 #include "platform/log.h"
 
 namespace lumora {
 
-// A mosaic that failed has logged why and left the picture untouched; hosts are told nothing else.
 Status routeMosaic(const Call& call, const ModeRow&) {
-  static_cast<void>(FilterMosaic(call.picture, call.rect, call.mosaicSize, call.handle.allocator(),
-                                 call.threads));
+  const int weight = std::min<int>(call.ratio, LUMORA_FULL_STRENGTH);
+  FilterMosaic(call.picture, call.rect, call.mosaicSize, weight, call.handle.allocator(),
+               call.threads);
   return Status::kOk;
 }
 
@@ -19,9 +21,8 @@ Status routeColourFix(const Call& call, const ModeRow& row) {
   }
   const HostBlock work(call.handle.allocator(), colourFixBytes(call.picture, *call.fixColour));
   if (!work) return fail(Status::kNoMemory, "[%s] can't malloc enough memory!\n");
-  const auto run =
-      call.threads == Threads::kFour ? FilterFixColor_multiThread : FilterFixColor_RGBA;
-  return reported(call, row, run(call.picture, *call.fixColour, work.data()));
+  return reported(call, row,
+                  FilterFixColor(call.picture, *call.fixColour, work.data(), call.threads));
 }
 
 }  // namespace lumora

@@ -15,7 +15,7 @@ Status routeTextureLook(const Call& call, const ModeRow& row);
 Status routeLianghong(const Call& call, const ModeRow& row);
 // Ages the picture with grain and marks, then tints it under the shade texture.
 Status routeLaodianying(const Call& call, const ModeRow& row);
-// The mosaic; succeeds whatever happens inside.
+// The mosaic, which cannot fail.
 Status routeMosaic(const Call& call, const ModeRow& row);
 // Colour fix, RGBA only.
 Status routeColourFix(const Call& call, const ModeRow& row);
@@ -28,8 +28,8 @@ Status routeTiltShift(const Call& call, const ModeRow& row);
 // The mode's block in the handle's tuning parameters, or null.
 const std::uint8_t* tuningBlock(const Call& call);
 
-// Runs the row's look with a texture (null for none) and logs its failure.
-Status runModeLook(const Call& call, const ModeRow& row, const std::uint8_t* texture);
+// Runs the row's look with a texture (none if empty) and logs its failure.
+Status runModeLook(const Call& call, const ModeRow& row, const TextureSource& texture);
 
 // Logs that a working buffer of so many bytes was refused.
 Status outOfMemory(const Call& call, std::int64_t bytes);

@@ -7,6 +7,9 @@
 
 namespace lumora {
 
+// Opens a regular file for reading; null for anything else. The caller closes it.
+std::FILE* openRegular(const char* path);
+
 // A file that closes itself. Only regular files open: a directory, device or pipe in the place of a
 // resource file counts as one that cannot be opened, and never blocks.
 class RegularFile {
@@ -24,12 +27,6 @@ class RegularFile {
   // The count of bytes read, less than asked for at the end of the file or on an error.
   std::size_t read(void* destination, std::size_t bytes);
   void close();
-
-  enum class Step { kOpen, kSeek, kPosition, kRead };
-  // For tests: asked at every step whether it shall fail (a read then comes up one byte short);
-  // null for never.
-  using Fault = bool (*)(Step step);
-  static void setFault(Fault fault);
 
  private:
   std::FILE* file_ = nullptr;

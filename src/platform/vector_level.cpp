@@ -56,9 +56,15 @@ bool vectorLevelSupported(int level) {
 
 #else
 
-const char* vectorLevelName(int level) { return level == 0 ? "neon" : "none"; }
+#if defined(__wasm__)
+constexpr const char* kOnlyLevel = "wasm";
+#else
+constexpr const char* kOnlyLevel = "neon";
+#endif
 
-// NEON is the baseline of the builds for ARM.
+const char* vectorLevelName(int level) { return level == 0 ? kOnlyLevel : "none"; }
+
+// NEON is the baseline of the builds for ARM; a module with vectors does not load without them.
 bool vectorLevelSupported(int level) { return level == 0; }
 
 #endif

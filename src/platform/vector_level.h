@@ -8,6 +8,9 @@ namespace lumora {
 #define LUMORA_FOR_EACH_LEVEL(DO, ...) \
   DO(N_SSSE3, __VA_ARGS__) DO(N_AVX2, __VA_ARGS__) DO(N_AVX3, __VA_ARGS__)
 inline constexpr int kVectorLevelCount = 3;
+#elif defined(__wasm__)
+#define LUMORA_FOR_EACH_LEVEL(DO, ...) DO(N_WASM, __VA_ARGS__)
+inline constexpr int kVectorLevelCount = 1;
 #else
 #define LUMORA_FOR_EACH_LEVEL(DO, ...) DO(N_NEON, __VA_ARGS__)
 inline constexpr int kVectorLevelCount = 1;

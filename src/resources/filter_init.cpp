@@ -9,17 +9,16 @@
 #include "platform/regular_file.h"
 #include "resources/handle_layout.h"
 #include "resources/prepare_textures.h"
+#include "resources/resource_files.h"
 #include "resources/texture_pack.h"
 
 namespace lumora {
 namespace {
 
 constexpr const char* kBuiltInDirectory = "/system/etc/camera/filter/";
-constexpr const char* kPackName = "mixIm.dat";
-constexpr const char* kTuningName = "filter.xml";
 constexpr std::size_t kPathBytes = 256;
 constexpr std::size_t kLongestDirectory = kPathBytes - 1 - std::string_view(kTuningName).size();
-static_assert(kLongestDirectory == 245);
+static_assert(kLongestDirectory == LUMORA_LONGEST_RESOURCE_DIR);
 
 // The path of a resource file: the directory's text and the name, glued together.
 class ResourcePath {
@@ -77,11 +76,10 @@ Status readPack(const HandleRequest& request, HostBlock& pack) {
 }
 
 Status checkPackHeader(const std::uint8_t* pack) {
-  if (std::memcmp(pack, kPackSizeBytes, sizeof kPackSizeBytes) != 0) {
-    return fail(Status::kBadResource, "[%s] \n.dat file error!");
-  }
-  if (std::memcmp(pack + kPackMarkOffset, kPackMark, sizeof kPackMark) != 0) {
-    return fail(Status::kBadResource, "[%s] \n.dat file is wrong!");
+  switch (findPackFault(pack)) {
+    case PackFault::kSizeBytes: return fail(Status::kBadResource, "[%s] \n.dat file error!");
+    case PackFault::kMark: return fail(Status::kBadResource, "[%s] \n.dat file is wrong!");
+    case PackFault::kNone: break;
   }
   return Status::kOk;
 }

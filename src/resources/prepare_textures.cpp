@@ -6,21 +6,8 @@
 namespace lumora {
 namespace {
 
-// Textures that are stretched by the fixed-point rule on four workers, in the order of preparation.
-struct StretchedTexture {
-  std::uint8_t mode;
-  PackSlot slot;
-  int plane;
-};
-constexpr StretchedTexture kStretchedTextures[] = {
-    {LUMORA_MODE_LAODIANYING, kSlotShade, 0}, {LUMORA_MODE_LIANGHONG, kSlotLeak0, 1},
-    {LUMORA_MODE_YUNDUAN, kSlotClouds, 4},    {LUMORA_MODE_EARLYBIRD, kSlotVignette, 5},
-    {LUMORA_MODE_XPRO2, kSlotEdgeBurn, 6},    {LUMORA_MODE_HUDSON, kSlotLamp, 7},
-    {LUMORA_MODE_MYFAIR, kSlotDusk, 8},       {LUMORA_MODE_LOFI, kSlotFalloff, 9},
-};
-
-bool wanted(std::uint8_t handleMode, std::uint8_t mode) {
-  return handleMode == LUMORA_MODE_ANY || handleMode == mode;
+bool wanted(std::uint8_t handleMode, const ModeFacts& mode) {
+  return mode.texture && (handleMode == LUMORA_MODE_ANY || handleMode == mode.number);
 }
 
 Status stretchImage(const PackImage& image, const std::uint8_t* pack, PixelSize size,
@@ -34,12 +21,13 @@ Status stretchImage(const PackImage& image, const std::uint8_t* pack, PixelSize 
                               .firstRow = 0,
                               .endRow = size.height,
                               .format = image.bytesPerPixel};
-  const Status status =
-      StripeRunner::run(&PrepareTextureStripe, resizeStripes(whole, splitRows(size.height)),
-                        kInitialisationThreadFailure);
+  const Status status = StripeRunner::run(
+      splitRows(size.height),
+      [&](const Stripe& rows, int) { MixImgResizeStripe(rowsOf(whole, rows)); },
+      kInitialisationThreadFailure);
   // The host keeps the handle after a failure: what the missing workers left out is made good, so
   // that not even a host that uses it reads undefined bytes.
-  if (status != Status::kOk) PrepareTextureStripe(whole);
+  if (status != Status::kOk) MixImgResizeStripe(whole);
   return status;
 }
 
@@ -57,20 +45,18 @@ void prepareFilm(const std::uint8_t* pack, PixelSize size, const FilterHandleVie
 
 }  // namespace
 
-void PrepareTextureStripe(const ResizeStripe& stripe) { MixImgResizeStripe(stripe); }
-
 Status PrepareTextures(std::uint8_t mode, std::int32_t width, std::int32_t height,
                        std::uint32_t direction, const std::uint8_t* pack, FilterHandle* handle) {
   const PixelSize size = {width, height};
   const FilterHandleView view(handle);
   Status status = Status::kOk;
-  for (const StretchedTexture& texture : kStretchedTextures) {
-    if (!wanted(mode, texture.mode)) continue;
-    const bool byDirection = texture.slot == kSlotLeak0;
-    const PackImage& image = kPackImages[texture.slot + (byDirection ? direction : 0)];
-    const Status done = stretchImage(image, pack, size, view.plane(texture.plane));
+  for (const ModeFacts& facts : kModes) {
+    if (!wanted(mode, facts)) continue;
+    const TextureUse& use = facts.texture;
+    const PackImage& image = kPackImages[use.slot + (facts.reads(kDirection) ? direction : 0)];
+    const Status done = stretchImage(image, pack, size, view.plane(use.plane));
     if (done != Status::kOk) status = done;
-    if (texture.mode == LUMORA_MODE_LAODIANYING) prepareFilm(pack, size, view);
+    if (use.takes(kSlotGrain)) prepareFilm(pack, size, view);
   }
   return status;
 }

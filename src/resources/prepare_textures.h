@@ -16,7 +16,4 @@ namespace lumora {
 Status PrepareTextures(std::uint8_t mode, std::int32_t width, std::int32_t height,
                        std::uint32_t direction, const std::uint8_t* pack, FilterHandle* handle);
 
-// One worker's share of one plane.
-void PrepareTextureStripe(const ResizeStripe& stripe);
-
 }  // namespace lumora

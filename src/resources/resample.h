@@ -3,8 +3,7 @@
 
 #include <cstdint>
 
-#include "pipeline/stripe_runner.h"
-#include "platform/status.h"
+#include "platform/stripe_runner.h"
 
 namespace lumora {
 
@@ -28,25 +27,12 @@ struct ResizeStripe {
 // All of these: sizes are at most 20000; a destination of size 0 writes nothing, and a source of
 // size 0 gives zeros. src and dst do not overlap.
 
-// Resamples by the fixed-point rule, in steps of 1/1024 source pixel, on four workers. A format
-// other than the two above copies nothing. Returns kThreadFailed, with some rows not written, when
-// a worker cannot be started.
-Status MixImgResize(std::int32_t format, std::int32_t srcWidth, std::int32_t srcHeight,
-                    std::int32_t dstWidth, std::int32_t dstHeight, const std::uint8_t* src,
-                    std::uint8_t* dst);
-
-// The same on the caller's thread.
-void MixImgResizeGray(std::int32_t srcWidth, std::int32_t srcHeight, std::int32_t dstWidth,
-                      std::int32_t dstHeight, const std::uint8_t* src, std::uint8_t* dst);
-void MixImgResizeRGB(std::int32_t srcWidth, std::int32_t srcHeight, std::int32_t dstWidth,
-                     std::int32_t dstHeight, const std::uint8_t* src, std::uint8_t* dst);
-
-// One worker's share of MixImgResize.
+// Resamples the stripe's rows by the fixed-point rule, in steps of 1/1024 source pixel. A format
+// other than the two above copies nothing.
 void MixImgResizeStripe(const ResizeStripe& stripe);
 
-// Cuts a resize into the given stripes of rows.
-std::array<ResizeStripe, kStripeCount> resizeStripes(const ResizeStripe& whole,
-                                                     const Stripes& rows);
+// Some rows of a resize.
+ResizeStripe rowsOf(const ResizeStripe& whole, const Stripe& rows);
 
 // Resamples one byte a pixel by the floating-point rule on the caller's thread. For the same sizes
 // it may pick other source pixels than the fixed-point rule.

@@ -11,7 +11,7 @@ namespace hn = hwy::HWY_NAMESPACE;
 void gatherRow(const BlockGather& gather, const std::uint8_t* src, std::uint8_t* dst) {
   // Lookups reach 16 bytes far on every processor, so wider vectors would not help.
   const hn::FixedTag<std::uint8_t, kGatherBlockBytes> d;
-  const std::uint32_t* base = gather.base;
+  const std::uint16_t* base = gather.base;
   const std::uint8_t* pick = gather.pick;
   const std::size_t last = gather.blocks - 1;
   for (std::size_t k = 0; k < last; ++k) {

@@ -15,7 +15,7 @@ inline constexpr std::size_t kGatherBlockBytes = 16;
 // bytes from 16 k on, the last block the last 16 of the row: byte i of a block is source byte
 // base[k] + pick[16 k + i].
 struct BlockGather {
-  const std::uint32_t* base;
+  const std::uint16_t* base;
   const std::uint8_t* pick;  // 0..15
   std::size_t blocks;
   std::size_t bytes;  // of the destination row

@@ -1,7 +1,11 @@
 // The texture pack mixIm.dat and the sizes its textures have in a handle.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
+
+#include "modes/modes.h"
 
 namespace lumora {
 
@@ -14,7 +18,6 @@ struct PixelSize {
 // One image of the pack, stored row after row without gaps.
 struct PackImage {
   const char* name;  // what people call it, unique
-  const char* look;  // the look that uses it
   std::uint32_t offset;
   PixelSize size;
   std::int32_t bytesPerPixel;
@@ -28,40 +31,15 @@ inline constexpr std::uint32_t kPackHeaderBytes = 16;
 inline constexpr PixelSize kPackTextureSize = {1024, 1024};
 inline constexpr int kDirectionCount = 4;
 
-// Indices into kPackImages.
-enum PackSlot : int {
-  kSlotShade,
-  kSlotLeak0,  // direction 0; the three after it are for directions 1 to 3
-  kSlotLeak1,
-  kSlotLeak2,
-  kSlotLeak3,
-  kSlotClouds,
-  kSlotVignette,
-  kSlotEdgeBurn,
-  kSlotLamp,
-  kSlotDusk,
-  kSlotFalloff,
-  kSlotGrain,
-  kSlotBlotch,
-  kSlotSpeck,
-  kPackImageCount
-};
-
+// By PackSlot.
 inline constexpr PackImage kPackImages[kPackImageCount] = {
-    {"shade", "LAODIANYING", 0x10, kPackTextureSize, 1},
-    {"leak0", "LIANGHONG", 0x100010, {512, 512}, 3},
-    {"leak1", "LIANGHONG", 0x1C0010, {512, 512}, 3},
-    {"leak2", "LIANGHONG", 0x280010, {512, 512}, 3},
-    {"leak3", "LIANGHONG", 0x340010, {512, 512}, 3},
-    {"clouds", "YUNDUAN", 0x400010, kPackTextureSize, 1},
-    {"vignette", "EARLYBIRD", 0x500010, kPackTextureSize, 1},
-    {"edgeburn", "XPRO2", 0x600010, kPackTextureSize, 1},
-    {"lamp", "HUDSON", 0x700010, kPackTextureSize, 1},
-    {"dusk", "MYFAIR", 0x800010, kPackTextureSize, 1},
-    {"falloff", "LOFI", 0x900010, kPackTextureSize, 1},
-    {"grain", "LAODIANYING", 0xA00010, kPackTextureSize, 1},
-    {"blotch", "LAODIANYING", 0xB00010, {48, 27}, 1},
-    {"speck", "LAODIANYING", 0xB00520, {17, 12}, 1},
+    {"shade", 0x10, kPackTextureSize, 1},        {"leak0", 0x100010, {512, 512}, 3},
+    {"leak1", 0x1C0010, {512, 512}, 3},          {"leak2", 0x280010, {512, 512}, 3},
+    {"leak3", 0x340010, {512, 512}, 3},          {"clouds", 0x400010, kPackTextureSize, 1},
+    {"vignette", 0x500010, kPackTextureSize, 1}, {"edgeburn", 0x600010, kPackTextureSize, 1},
+    {"lamp", 0x700010, kPackTextureSize, 1},     {"dusk", 0x800010, kPackTextureSize, 1},
+    {"falloff", 0x900010, kPackTextureSize, 1},  {"grain", 0xA00010, kPackTextureSize, 1},
+    {"blotch", 0xB00010, {48, 27}, 1},           {"speck", 0xB00520, {17, 12}, 1},
 };
 
 constexpr bool packHasNoGaps() {
@@ -74,12 +52,40 @@ constexpr bool packHasNoGaps() {
 }
 static_assert(packHasNoGaps());
 
+// The mode that uses an image of the pack.
+constexpr const ModeFacts& userOf(const PackImage& image) {
+  const auto slot = static_cast<int>(&image - kPackImages);
+  std::uint32_t mode = 1;
+  while (!kModes[mode - 1].texture.takes(slot)) ++mode;
+  return kModes[mode - 1];
+}
+
+constexpr bool everyImageHasItsUser() {
+  for (const PackImage& image : kPackImages) {
+    if (!userOf(image).texture) return false;
+  }
+  return true;
+}
+static_assert(everyImageHasItsUser());
+
 // The header's checked bytes: the texture size at its start, a mark at its end. The six bytes
 // between them are carried and have no meaning to the library.
 inline constexpr std::uint8_t kPackSizeBytes[4] = {0x04, 0x00, 0x04, 0x00};
 inline constexpr std::uint32_t kPackMarkOffset = 10;
 inline constexpr std::uint8_t kPackMark[6] = {0x01, 0x04, 0x01, 0x01, 0x00, 0x04};
 static_assert(kPackMarkOffset + sizeof(kPackMark) == kPackHeaderBytes);
+
+enum class PackFault { kNone, kSizeBytes, kMark };
+
+// The first thing wrong with the header's checked bytes.
+constexpr PackFault findPackFault(const std::uint8_t* header) {
+  if (!std::equal(std::begin(kPackSizeBytes), std::end(kPackSizeBytes), header)) {
+    return PackFault::kSizeBytes;
+  }
+  const bool isMarked =
+      std::equal(std::begin(kPackMark), std::end(kPackMark), header + kPackMarkOffset);
+  return isMarked ? PackFault::kNone : PackFault::kMark;
+}
 
 // The two small textures of the LAODIANYING look lie one behind the other.
 struct SmallTextureSizes {

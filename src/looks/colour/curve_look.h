@@ -2,7 +2,7 @@
 #pragma once
 
 #include "looks/colour/colour_looks.h"
-#include "looks/colour/run_forms.h"
+#include "looks/run_forms.h"
 
 namespace lumora::HWY_NAMESPACE {
 

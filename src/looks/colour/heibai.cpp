@@ -1,6 +1,6 @@
 // HEIBAI: black and white.
 #include "looks/colour/colour_looks.h"
-#include "looks/colour/run_forms.h"
+#include "looks/run_forms.h"
 
 namespace lumora::HWY_NAMESPACE {
 namespace {
@@ -11,9 +11,15 @@ struct HeibaiStep : ColourStep {
   HWY_INLINE Rgb operator()(const Pixels<Texture>& p) const { return {p.luma, p.luma, p.luma}; }
 };
 
+// The luma of NV pictures already is the grey value.
+template <class Mix>
+void runNv(const LookJob& job) {
+  neutraliseChroma(job.rows, Mix(job.ratio));
+}
+constexpr RunForm kNvHeibai = runByStrength<runNv<MixByWeight>, runNv<TakeNew>>;
+
 }  // namespace
 
-// The luma of NV pictures already is the grey value.
-const Look kHeibai{runRgba<HeibaiStep>, neutraliseChroma, neutraliseChroma, 0, nullptr};
+const Look kHeibai{kRgbaForm<HeibaiStep>, kNvHeibai, 0, nullptr};
 
 }  // namespace lumora::HWY_NAMESPACE

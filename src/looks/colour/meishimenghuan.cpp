@@ -2,7 +2,7 @@
 // copy of the picture is blended into this look, so below the plain strength the curves themselves
 // go back toward the straight line.
 #include "looks/colour/colour_looks.h"
-#include "looks/colour/run_forms.h"
+#include "looks/run_forms.h"
 
 namespace lumora::HWY_NAMESPACE {
 namespace {
@@ -21,29 +21,18 @@ constexpr BuiltInCurves kCurves{
         {{2, 6, 22, 57, 100, 137, 168, 192, 210, 224, 234, 241, 247, 250, 253, 254, 255}},
     }};
 
-constexpr Knots kWeak = {
-    {0, 16, 32, 48, 64, 80, 96, 112, 128, 144, 160, 176, 192, 208, 224, 240, 255}};
-
 // Two bytes that no stage reads lie between the tuning block's flag and its curves.
 constexpr int kFirstCurveOffset = 3;
 
-// (ratio base + (16 - ratio) weak + 8) >> 4 at every knot, at most 255.
-HWY_INLINE Knots rampFromWeak(const Knots& base, int ratio) {
-  Knots ramped;
-  for (int j = 0; j < kKnotCount; ++j) {
-    const int sum = ratio * base.at[j] + (kPlainRatio - ratio) * kWeak.at[j];
-    ramped.at[j] = static_cast<std::uint8_t>((sum + 8) >> 4);
-  }
-  return ramped;
-}
-
 HWY_INLINE Curve curveOf(const LookJob& job, int channel) {
   const Knots base = blockOrBuiltIn(job, kCurves, channel, kFirstCurveOffset);
-  return Curve(job.ratio <= kPlainRatio ? rampFromWeak(base, job.ratio)
-                                        : RampCurve(base, kCurves.strong[channel], job.ratio));
+  const int strong = strongWeight(job.ratio);
+  const Knots weakened = RampCurve(kIdentityCurve, base, job.ratio - strong);
+  return Curve(RampCurve(weakened, kCurves.strong[channel], strong));
 }
 
 struct GlowCurveStep : ColourStep {
+  using Mix = TakeNew;
   RgbCurves curves;
 
   explicit GlowCurveStep(const LookJob& job)

@@ -1,6 +1,6 @@
 // MORAN: toned monochrome, shadows slightly lifted and mid-tones brightened by one curve.
 #include "looks/colour/colour_looks.h"
-#include "looks/colour/run_forms.h"
+#include "looks/run_forms.h"
 
 namespace lumora::HWY_NAMESPACE {
 namespace {
@@ -23,13 +23,15 @@ struct MoranStep : ColourStep {
   }
 };
 
-void runNvMoran(const LookJob& job) {
-  walkBytes<1, NoTexture>(job, MoranStep(job));
-  neutraliseChroma(job);
+template <class Mix>
+void runNv(const LookJob& job) {
+  walkBytes<1, NoTexture>(job.rows, MoranStep(job), Mix(job.ratio));
+  neutraliseChroma(job.rows, Mix(job.ratio));
 }
+constexpr RunForm kNvMoran = runByStrength<runNv<MixByWeight>, runNv<TakeNew>>;
 
 }  // namespace
 
-const Look kMoran{runRgba<MoranStep>, runNvMoran, runNvMoran, 0, &kCurves};
+const Look kMoran{kRgbaForm<MoranStep>, kNvMoran, 0, &kCurves};
 
 }  // namespace lumora::HWY_NAMESPACE

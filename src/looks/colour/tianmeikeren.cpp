@@ -1,6 +1,6 @@
 // TIANMEIKEREN: a warming, brightening mix of the channels in front of the curves.
 #include "looks/colour/colour_looks.h"
-#include "looks/colour/run_forms.h"
+#include "looks/run_forms.h"
 
 namespace lumora::HWY_NAMESPACE {
 namespace {

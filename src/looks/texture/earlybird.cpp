@@ -30,26 +30,17 @@ constexpr ChannelCurves kStrong[3] = {
     {{{18, 18, 18, 18, 18, 18, 18, 18, 23}}, {{18, 45, 75, 102, 125, 150, 168, 173, 172}}},
 };
 
-HWY_INLINE CoarseToneCurve ramped(const CoarseToneCurve& plain, const CoarseToneCurve& strong,
-                                  int ratio) {
-  if (ratio <= kPlainRatio) return plain;
-  CoarseToneCurve curve;
-  for (int j = 0; j < kCoarseKnotCount; ++j) {
-    const int sum = (ratio - kPlainRatio) * strong.at[j] + (kStrongestRatio - ratio) * plain.at[j];
-    curve.at[j] = static_cast<std::uint8_t>((sum + 8) >> 4);
-  }
-  return curve;
-}
-
 // The tables of a channel, by the high nibble of the input: every knot and step stands twice. The
 // lift's half steps are signed: lifts rise and fall.
 struct ChannelTables {
   V8 baseKnots, baseSteps;
   V8 liftKnots, liftHalfSteps;
 
-  HWY_INLINE ChannelTables(int channel, int ratio) {
-    const CoarseToneCurve b = ramped(kPlain[channel].base, kStrong[channel].base, ratio);
-    const CoarseToneCurve l = ramped(kPlain[channel].lift, kStrong[channel].lift, ratio);
+  HWY_NOINLINE ChannelTables(int channel, int ratio) {
+    const ChannelCurves& plain = kPlain[channel];
+    const ChannelCurves& strong = kStrong[channel];
+    const CoarseToneCurve b = RampCurve(plain.base, strong.base, strongWeight(ratio));
+    const CoarseToneCurve l = RampCurve(plain.lift, strong.lift, strongWeight(ratio));
     HWY_ALIGN std::uint8_t table[4][16];
     for (int j = 0; j < 16; ++j) {
       const int knot = j / 2;
@@ -94,18 +85,20 @@ struct EarlybirdStep : TextureStep {
 
   explicit EarlybirdStep(const LookJob& job) : r(0, job.ratio), g(1, job.ratio), b(2, job.ratio) {}
 
-  HWY_INLINE Rgb lookup(const Rgb& m, V8 texels) const {
-    const EvenOdd texture128 = times128(texels);
-    return {coarseLookup(r, m.r, texture128), coarseLookup(g, m.g, texture128),
-            coarseLookup(b, m.b, texture128)};
-  }
+  struct Faded {
+    Rgb colour;
+    V8 texels;
+  };
 
-  HWY_INLINE void operator()(Pixels<Texture>& p, Pixels<Texture>& q) const {
-    p.colour = towardGrey(p.colour, p.luma);
-    q.colour = towardGrey(q.colour, q.luma);
-    p.colour = lookup(p.colour, p.texels);
-    q.colour = lookup(q.colour, q.texels);
+  HWY_INLINE Faded faded(const Pixels<Texture>& p) const {
+    return {towardGrey(p.colour, p.luma), p.texels};
   }
+  HWY_INLINE Rgb graded(const Faded& m) const {
+    const EvenOdd texture128 = times128(m.texels);
+    return {coarseLookup(r, m.colour.r, texture128), coarseLookup(g, m.colour.g, texture128),
+            coarseLookup(b, m.colour.b, texture128)};
+  }
+  using Stages = StageList<&EarlybirdStep::faded, &EarlybirdStep::graded>;
 };
 
 }  // namespace

@@ -1,7 +1,7 @@
 // The grain of an aged film. Single precision throughout, each product rounded before it is added:
 // every byte of the result depends on it.
-#include "looks/colour/walk.h"
 #include "looks/texture/film_ageing.h"
+#include "pixels/walk.h"
 
 namespace lumora::HWY_NAMESPACE {
 namespace {
@@ -71,6 +71,10 @@ struct GrainMix {
     grain = hn::Mul(either(isDark, kDark.grain, kBright.grain), texel);
     pictureWeight = either(isDark, kDark.picture, kBright.picture);
   }
+  // Of pixels that are known not to be dark.
+  HWY_INLINE explicit GrainMix(VF32 texel)
+      : grain(hn::Mul(hn::Set(df32, kBright.grain), texel)),
+        pictureWeight(hn::Set(df32, kBright.picture)) {}
 
   HWY_INLINE VF32 operator()(VF32 channel) const {
     return hn::Add(grain, hn::Mul(pictureWeight, channel));
@@ -86,11 +90,22 @@ HWY_INLINE VF32 greyOf(VF32 r, VF32 g, VF32 b) {
 
 // Interleaved pixels, one in every 32-bit lane.
 struct RgbaGrain {
-  HWY_INLINE V8 operator()(V8 pixels, const std::uint8_t* texels) const {
+  static constexpr int kPixelBytes = 4;
+
+  // A channel above the highest that a dark pixel can have, 24 by its weight, tells that a pixel is
+  // not dark. True where nothing tells it.
+  static HWY_INLINE bool mayBeDark(V8 pixels) {
+    const V8 highest = hn::BitCast(d8, hn::Set(du32, 0xFFDA2850));  // 80, 40, 218, any alpha
+    const auto beyond = hn::BitCast(du32, hn::SaturatedSub(pixels, highest));
+    return !hn::AllFalse(du32, hn::Eq(beyond, hn::Zero(du32)));
+  }
+
+  template <bool kIsBright>
+  static HWY_INLINE V8 grained(V8 pixels, const std::uint8_t* texels) {
     const auto bytes = hn::LoadU(hn::Rebind<std::uint8_t, DI32>(), texels);
     const VF32 texel = hn::ConvertTo(df32, hn::PromoteTo(di32, bytes));
     const VF32 r = quarter<0>(pixels), g = quarter<1>(pixels), b = quarter<2>(pixels);
-    const GrainMix mix(greyOf(r, g, b), texel);
+    const GrainMix mix = kIsBright ? GrainMix(texel) : GrainMix(greyOf(r, g, b), texel);
     const V8 redGreen = hn::Or(inQuarter<0>(mix(r)), inQuarter<1>(mix(g)));
     const V8 alpha = hn::And(pixels, hn::BitCast(d8, hn::Set(du32, 0xFF000000)));
     return hn::Or(hn::Or(redGreen, inQuarter<2>(mix(b))), alpha);
@@ -98,35 +113,61 @@ struct RgbaGrain {
 };
 
 struct LumaGrain {
-  template <int k>
-  static HWY_INLINE V8 grained(V8 luma, V8 texels) {
-    const VF32 y = quarter<k>(luma);
-    return inQuarter<k>(GrainMix(y, quarter<k>(texels))(y));
+  static constexpr int kPixelBytes = 1;
+
+  static HWY_INLINE bool mayBeDark(V8 luma) {
+    return !hn::AllFalse(d8, hn::Gt(hn::Set(d8, static_cast<std::uint8_t>(kDarkBelow)), luma));
   }
 
-  HWY_INLINE V8 operator()(V8 luma, const std::uint8_t* at) const {
+  template <bool kIsBright, int k>
+  static HWY_INLINE V8 grainedQuarter(V8 luma, V8 texels) {
+    const VF32 y = quarter<k>(luma), texel = quarter<k>(texels);
+    return inQuarter<k>((kIsBright ? GrainMix(texel) : GrainMix(y, texel))(y));
+  }
+
+  template <bool kIsBright>
+  static HWY_INLINE V8 grained(V8 luma, const std::uint8_t* at) {
     const V8 texels = hn::LoadU(d8, at);
-    return hn::Or(hn::Or(grained<0>(luma, texels), grained<1>(luma, texels)),
-                  hn::Or(grained<2>(luma, texels), grained<3>(luma, texels)));
+    return hn::Or(hn::Or(grainedQuarter<kIsBright, 0>(luma, texels),
+                         grainedQuarter<kIsBright, 1>(luma, texels)),
+                  hn::Or(grainedQuarter<kIsBright, 2>(luma, texels),
+                         grainedQuarter<kIsBright, 3>(luma, texels)));
   }
 };
 
-void addGrain(const Picture& picture, const std::uint8_t* grain) {
-  LookJob job{};
-  job.widthPixels = picture.widthPixels;
-  job.rows = picture.heightRows;
-  job.strideBytes = picture.strideBytes;
-  job.pixels = picture.data;
-  job.texture = grain;
-  if (picture.isRgba()) {
-    walkBytes<4, GreyTexture>(job, RgbaGrain{});
+// Few pixels are dark; the others are spared their grey.
+template <class Grain>
+HWY_INLINE V8 grained(V8 bytes, const std::uint8_t* texels) {
+  if (Grain::mayBeDark(bytes)) return Grain::template grained<false>(bytes, texels);
+  return Grain::template grained<true>(bytes, texels);
+}
+
+template <class Grain>
+HWY_INLINE void addGrain(const PixelRows& rows) {
+  constexpr int kVectors = 4, kPixels = kLanes8 / Grain::kPixelBytes;
+  for (int y = 0; y < rows.rows; ++y) {
+    walkRow<kVectors * kPixels>(
+        rows.widthPixels,
+        [&](std::ptrdiff_t, std::uint8_t* at, const std::uint8_t* texels) {
+          for (int i = 0; i < kVectors; ++i, at += kLanes8, texels += kPixels) {
+            hn::StoreU(grained<Grain>(hn::LoadU(d8, at), texels), d8, at);
+          }
+        },
+        Changes<Grain::kPixelBytes>{rows.pixels + y * rows.strideBytes},
+        Reads<1>{textureRow<GreyTexture>(rows, y)});
+  }
+}
+
+void addGrainTo(const PixelRows& rows) {
+  if (rows.format == PixelFormat::kRgba) {
+    addGrain<RgbaGrain>(rows);
   } else {
-    walkBytes<1, GreyTexture>(job, LumaGrain{});
+    addGrain<LumaGrain>(rows);
   }
 }
 
 }  // namespace
 
-const GrainKernel kFilmGrain = addGrain;
+const GrainKernel kFilmGrain = addGrainTo;
 
 }  // namespace lumora::HWY_NAMESPACE

@@ -1,5 +1,7 @@
 // HUDSON: a cool film look: the texture by overlay, then a curve per channel; above strength 16
 // the same again on its own result, mixed in by the strength.
+#include <type_traits>
+
 #include "looks/texture/texture_step.h"
 
 namespace lumora::HWY_NAMESPACE {
@@ -34,30 +36,45 @@ struct HudsonStep : TextureStep {
 
   explicit HudsonStep(const LookJob& job)
       : curves(plainCurves(job, kCurves)),
-        weights(bytePairs(kStrongestRatio - job.ratio, job.ratio - kPlainRatio)),
-        isDouble(job.ratio == kStrongestRatio) {}
+        weights(bytePairs(kStrongestWeight - strongWeight(job.ratio), strongWeight(job.ratio))),
+        isDouble(job.ratio == LUMORA_STRONGEST) {}
 
-  static HWY_INLINE Rgb overlaid(const Rgb& c, V8 y) {
+  struct Overlaid {
+    Rgb colour;
+    V8 y;
+  };
+  struct Twice {
+    Rgb once, twice;
+  };
+
+  static HWY_INLINE Rgb overlay(const Rgb& c, V8 y) {
     return {OverlayTexture(c.r, y), OverlayTexture(c.g, y), OverlayTexture(c.b, y)};
   }
-  HWY_INLINE Rgb mixed(const Rgb& once, const Rgb& twice) const {
-    return {weightedMean<4>(once.r, twice.r, weights), weightedMean<4>(once.g, twice.g, weights),
-            weightedMean<4>(once.b, twice.b, weights)};
+  HWY_INLINE Overlaid overlaid(const Pixels<Texture>& p) const {
+    const V8 y = hn::Sub(p.texels, hn::Set(d8, 128));
+    return {overlay(p.colour, y), y};
+  }
+  HWY_INLINE Rgb graded(const Overlaid& o) const { return CurveLookup(curves, o.colour); }
+
+  HWY_INLINE Overlaid gradedOnce(const Overlaid& o) const { return {graded(o), o.y}; }
+  HWY_INLINE Twice overlaidAgain(const Overlaid& o) const {
+    return {o.colour, overlay(o.colour, o.y)};
+  }
+  HWY_INLINE Twice gradedAgain(const Twice& o) const {
+    return {o.once, CurveLookup(curves, o.twice)};
+  }
+  HWY_INLINE Rgb mixed(const Twice& o) const {
+    if (isDouble) return o.twice;
+    return {weightedMean<4>(o.once.r, o.twice.r, weights),
+            weightedMean<4>(o.once.g, o.twice.g, weights),
+            weightedMean<4>(o.once.b, o.twice.b, weights)};
   }
 
-  HWY_INLINE void operator()(Pixels<Texture>& a, Pixels<Texture>& b) const {
-    const V8 ya = hn::Sub(a.texels, hn::Set(d8, 128)), yb = hn::Sub(b.texels, hn::Set(d8, 128));
-    a.colour = overlaid(a.colour, ya);
-    b.colour = overlaid(b.colour, yb);
-    a.colour = CurveLookup(curves, a.colour);
-    b.colour = CurveLookup(curves, b.colour);
-    if constexpr (kStrong) {
-      const Rgb againA = overlaid(a.colour, ya), againB = overlaid(b.colour, yb);
-      const Rgb twiceA = CurveLookup(curves, againA), twiceB = CurveLookup(curves, againB);
-      a.colour = isDouble ? twiceA : mixed(a.colour, twiceA);
-      b.colour = isDouble ? twiceB : mixed(b.colour, twiceB);
-    }
-  }
+  using OnceStages = StageList<&HudsonStep::overlaid, &HudsonStep::graded>;
+  using TwiceStages =
+      StageList<&HudsonStep::overlaid, &HudsonStep::gradedOnce, &HudsonStep::overlaidAgain,
+                &HudsonStep::gradedAgain, &HudsonStep::mixed>;
+  using Stages = std::conditional_t<kStrong, TwiceStages, OnceStages>;
 };
 
 }  // namespace

@@ -5,11 +5,12 @@
 namespace lumora::HWY_NAMESPACE {
 namespace {
 
+// R, G, B
 struct Tint {
-  int r, g, b;
+  std::uint8_t at[3];
 };
-constexpr Tint kPlainTint{255, 250, 172};
-constexpr Tint kStrongTint{255, 245, 136};
+constexpr Tint kPlainTint{{255, 250, 172}};
+constexpr Tint kStrongTint{{255, 245, 136}};
 
 constexpr Knots kStrongShade{
     {0, 9, 21, 34, 48, 63, 78, 94, 111, 128, 145, 163, 181, 199, 218, 236, 255}};
@@ -17,24 +18,19 @@ constexpr Knots kStrongShade{
 // The look's part of the tuning parameters. Flag 0: the stored tint is in use.
 struct LookTintBlock {
   std::uint8_t flag;
-  std::uint8_t r, g, b;
+  Tint tint;
   std::uint8_t level;  // what the flag was derived from
 };
 static_assert(sizeof(LookTintBlock) == 5);
 
-// A stored tint holds up to strength 16 only; above it the built-in one moves toward the strong
-// one.
+// A stored tint holds up to the full strength only; above it the built-in one moves toward the
+// strong one.
 HWY_INLINE Tint tintOf(const LookJob& job) {
-  if (job.ratio > kPlainRatio) {
-    const int strong = job.ratio - kPlainRatio, plain = kStrongestRatio - job.ratio;
-    return {(kStrongTint.r * strong + kPlainTint.r * plain + 8) >> 4,
-            (kStrongTint.g * strong + kPlainTint.g * plain + 8) >> 4,
-            (kStrongTint.b * strong + kPlainTint.b * plain + 8) >> 4};
-  }
-  if (!usesStoredCurves(job)) return kPlainTint;
+  const int weight = strongWeight(job.ratio);
+  if (weight > 0 || !usesStoredCurves(job)) return RampCurve(kPlainTint, kStrongTint, weight);
   LookTintBlock stored;
   memcpy(&stored, job.block, sizeof stored);
-  return {stored.r, stored.g, stored.b};
+  return stored.tint;
 }
 
 // (v tint + 128) >> 8 with the tint times 128.
@@ -45,6 +41,7 @@ HWY_INLINE V8 tinted(const EvenOdd& v, VI16 tint128) {
 // Bright pixels times the shade, over 256: rounded in RGBA pictures, truncated in NV pictures.
 template <bool kRounds, bool kStrong>
 struct LaodianyingStep : TextureStep {
+  using Mix = TakeNew;  // the picture it would be mixed with has been aged
   static constexpr NvConversion kConversion{.neutralOut = 128,
                                             .means = NvConversion::Means::kHalfAdds};
   VI16 r128, g128, b128;
@@ -52,9 +49,9 @@ struct LaodianyingStep : TextureStep {
 
   explicit LaodianyingStep(const LookJob& job) : shade(textureCurve(job, kStrongShade)) {
     const Tint tint = tintOf(job);
-    r128 = hn::Set(di16, static_cast<std::int16_t>(tint.r << 7));
-    g128 = hn::Set(di16, static_cast<std::int16_t>(tint.g << 7));
-    b128 = hn::Set(di16, static_cast<std::int16_t>(tint.b << 7));
+    r128 = hn::Set(di16, static_cast<std::int16_t>(tint.at[0] << 7));
+    g128 = hn::Set(di16, static_cast<std::int16_t>(tint.at[1] << 7));
+    b128 = hn::Set(di16, static_cast<std::int16_t>(tint.at[2] << 7));
   }
 
   // The product fills unsigned lanes.

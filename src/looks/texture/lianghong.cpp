@@ -20,7 +20,7 @@ struct LianghongStep : TextureStep {
   Curve texture;
 
   explicit LianghongStep(const LookJob& job)
-      : curve(RampCurve(kTone, kStrongTone, job.ratio)),
+      : curve(RampCurve(kTone, kStrongTone, strongWeight(job.ratio))),
         texture(textureCurve(job, kStrongTexture)) {}
 
   // c + (((255 - c) t + 128) >> 8), which stays within 255.
@@ -28,17 +28,12 @@ struct LianghongStep : TextureStep {
     const EvenOdd room2 = weightedHalves<2>(hn::Not(c));
     return hn::Add(c, join(mulFixedPoint15(room2, weightedHalves<64>(t))));
   }
-  HWY_INLINE Rgb screened(const Rgb& c, const Rgb& texels) const {
-    const Rgb t = kStrong ? CurveLookup(texture, texels) : texels;
-    return {screened(c.r, t.r), screened(c.g, t.g), screened(c.b, t.b)};
+  HWY_INLINE Rgb leaked(const Pixels<Texture>& p) const {
+    const Rgb t = kStrong ? CurveLookup(texture, p.texels) : p.texels;
+    return {screened(p.colour.r, t.r), screened(p.colour.g, t.g), screened(p.colour.b, t.b)};
   }
-
-  HWY_INLINE void operator()(Pixels<Texture>& a, Pixels<Texture>& b) const {
-    a.colour = screened(a.colour, a.texels);
-    b.colour = screened(b.colour, b.texels);
-    a.colour = CurveLookup(curve, a.colour);
-    b.colour = CurveLookup(curve, b.colour);
-  }
+  HWY_INLINE Rgb graded(const Rgb& c) const { return CurveLookup(curve, c); }
+  using Stages = StageList<&LianghongStep::leaked, &LianghongStep::graded>;
 };
 
 }  // namespace

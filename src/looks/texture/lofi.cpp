@@ -1,5 +1,7 @@
 // LOFI: high contrast by one curve for all channels, then the texture; above strength 16 the
 // texture is laid on a second time, faded in.
+#include <type_traits>
+
 #include "looks/texture/texture_step.h"
 
 namespace lumora::HWY_NAMESPACE {
@@ -52,9 +54,10 @@ struct LofiStep : TextureStep {
 
   explicit LofiStep(const LookJob& job)
       : curve(halfRampedCurve(job, kCurves, 0)),
-        weight(hn::Set(di16, static_cast<std::int16_t>(job.ratio - kPlainRatio))),
-        offset(hn::Set(di16, static_cast<std::int16_t>(kNeutral * (kStrongestRatio - job.ratio) +
-                                                       kSecondPassOffset))) {}
+        weight(hn::Set(di16, static_cast<std::int16_t>(strongWeight(job.ratio)))),
+        offset(hn::Set(di16, static_cast<std::int16_t>(
+                                 kNeutral * (kStrongestWeight - strongWeight(job.ratio)) +
+                                 kSecondPassOffset))) {}
 
   // Toward neutral: at most (16 * 255 + 2000) >> 5.
   HWY_INLINE VI16 faded(VI16 t) const {
@@ -63,17 +66,25 @@ struct LofiStep : TextureStep {
 
   HWY_INLINE EvenOdd faded(const EvenOdd& t) const { return {faded(t.even), faded(t.odd)}; }
 
-  HWY_INLINE void operator()(Pixels<Texture>& a, Pixels<Texture>& b) const {
-    const EvenOdd ta = split(a.texels), tb = split(b.texels);
-    a.colour = CurveLookup(curve, a.colour);
-    b.colour = CurveLookup(curve, b.colour);
-    a.colour = OverlayBlend(a.colour, factorsOf(ta));
-    b.colour = OverlayBlend(b.colour, factorsOf(tb));
-    if constexpr (kStrong) {
-      a.colour = OverlayBlend(a.colour, factorsOf(faded(ta)));
-      b.colour = OverlayBlend(b.colour, factorsOf(faded(tb)));
-    }
+  struct Graded {
+    Rgb colour;
+    V8 texels;
+  };
+
+  HWY_INLINE Graded graded(const Pixels<Texture>& p) const {
+    return {CurveLookup(curve, p.colour), p.texels};
   }
+  HWY_INLINE Rgb blended(const Graded& g) const {
+    return OverlayBlend(g.colour, factorsOf(split(g.texels)));
+  }
+  HWY_INLINE Graded blendedOnce(const Graded& g) const { return {blended(g), g.texels}; }
+  HWY_INLINE Rgb blendedAgain(const Graded& g) const {
+    return OverlayBlend(g.colour, factorsOf(faded(split(g.texels))));
+  }
+
+  using OnceStages = StageList<&LofiStep::graded, &LofiStep::blended>;
+  using TwiceStages = StageList<&LofiStep::graded, &LofiStep::blendedOnce, &LofiStep::blendedAgain>;
+  using Stages = std::conditional_t<kStrong, TwiceStages, OnceStages>;
 };
 
 }  // namespace

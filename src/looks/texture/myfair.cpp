@@ -81,7 +81,9 @@ struct MyfairStep : TextureStep {
 
   // Boost and softening apply to the channel that has the excess: for it they are the smaller
   // value, for the others the excess is 0.
-  HWY_INLINE Boosted boosted(const Rgb& c, V8 t) const {
+  HWY_INLINE Boosted boosted(const Pixels<Texture>& p) const {
+    const Rgb& c = p.colour;
+    const V8 t = kStrong ? TruncCurveLookup(texture, p.texels) : p.texels;
     const Rgb e{excess(c.r, c.g, c.b), excess(c.g, c.r, c.b), excess(c.b, c.r, c.g)};
     const V8 largest = hn::Or(e.r, hn::Or(e.g, e.b));
     const V8 boost = eighth(largest), soft = softening(largest, t);
@@ -90,17 +92,11 @@ struct MyfairStep : TextureStep {
             {hn::Add(t, hn::Min(e.r, soft)), hn::Add(t, hn::Min(e.g, soft)),
              hn::Add(t, hn::Min(e.b, soft))}};
   }
-
-  HWY_INLINE V8 texelsOf(V8 t) const { return kStrong ? TruncCurveLookup(texture, t) : t; }
-
-  HWY_INLINE void operator()(Pixels<Texture>& a, Pixels<Texture>& b) const {
-    const Boosted boostedA = boosted(a.colour, texelsOf(a.texels));
-    const Boosted boostedB = boosted(b.colour, texelsOf(b.texels));
-    a.colour = TruncCurveLookup(curves, boostedA.colour);
-    b.colour = TruncCurveLookup(curves, boostedB.colour);
-    a.colour = blended(a.colour, boostedA.texels);
-    b.colour = blended(b.colour, boostedB.texels);
+  HWY_INLINE Rgb graded(const Boosted& v) const {
+    return blended(TruncCurveLookup(curves, v.colour), v.texels);
   }
+
+  using Stages = StageList<&MyfairStep::boosted, &MyfairStep::graded>;
 };
 
 }  // namespace

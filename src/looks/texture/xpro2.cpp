@@ -62,21 +62,21 @@ struct Xpro2Step : TextureStep {
                            hn::SaturatedSub(odd, oddDarkening));
   }
 
-  HWY_INLINE V8 texels(const Pixels<Texture>& p) const {
-    return kStrong ? CurveLookup(texture, p.texels) : p.texels;
-  }
-  HWY_INLINE Rgb darkened(const Rgb& c, VU16 even, VU16 odd) const {
-    return {channel(curves.r, c.r, even, odd), channel(curves.g, c.g, even, odd),
-            channel(curves.b, c.b, even, odd)};
-  }
+  struct Darkening {
+    Rgb colour;
+    VU16 even, odd;
+  };
 
-  HWY_INLINE void operator()(Pixels<Texture>& a, Pixels<Texture>& b) const {
-    const EvenOdd ta = split(texels(a)), tb = split(texels(b));
-    const VU16 evenA = darkening64(ta.even), oddA = darkening64(ta.odd);
-    const VU16 evenB = darkening64(tb.even), oddB = darkening64(tb.odd);
-    a.colour = darkened(a.colour, evenA, oddA);
-    b.colour = darkened(b.colour, evenB, oddB);
+  HWY_INLINE Darkening darkening(const Pixels<Texture>& p) const {
+    const EvenOdd t = split(kStrong ? CurveLookup(texture, p.texels) : p.texels);
+    return {p.colour, darkening64(t.even), darkening64(t.odd)};
   }
+  HWY_INLINE Rgb graded(const Darkening& d) const {
+    return {channel(curves.r, d.colour.r, d.even, d.odd),
+            channel(curves.g, d.colour.g, d.even, d.odd),
+            channel(curves.b, d.colour.b, d.even, d.odd)};
+  }
+  using Stages = StageList<&Xpro2Step::darkening, &Xpro2Step::graded>;
 };
 
 }  // namespace

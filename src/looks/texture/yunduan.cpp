@@ -46,20 +46,15 @@ struct YunduanStep : TextureStep {
   explicit YunduanStep(const LookJob& job)
       : curves(rampedCurves(job, kCurves)), texture(textureCurve(job, kStrongTexture)) {}
 
-  HWY_INLINE Rgb softLit(const Rgb& c, V8 texels) const {
-    const EvenOdd t8 = weightedHalves<8>(kStrong ? CurveLookup(texture, texels) : texels);
+  HWY_INLINE Rgb softLit(const Pixels<Texture>& p) const {
+    const EvenOdd t8 = weightedHalves<8>(kStrong ? CurveLookup(texture, p.texels) : p.texels);
     const VI16 neutral8 = hn::Set(di16, 128 * 8);
     const EvenOdd texture8{hn::Sub(t8.even, neutral8), hn::Sub(t8.odd, neutral8)};
-    return {SoftLightTexture(c.r, texture8), SoftLightTexture(c.g, texture8),
-            SoftLightTexture(c.b, texture8)};
+    return {SoftLightTexture(p.colour.r, texture8), SoftLightTexture(p.colour.g, texture8),
+            SoftLightTexture(p.colour.b, texture8)};
   }
-
-  HWY_INLINE void operator()(Pixels<Texture>& a, Pixels<Texture>& b) const {
-    a.colour = softLit(a.colour, a.texels);
-    b.colour = softLit(b.colour, b.texels);
-    a.colour = CurveLookup(curves, a.colour);
-    b.colour = CurveLookup(curves, b.colour);
-  }
+  HWY_INLINE Rgb graded(const Rgb& c) const { return CurveLookup(curves, c); }
+  using Stages = StageList<&YunduanStep::softLit, &YunduanStep::graded>;
 };
 
 }  // namespace
