@@ -1,29 +1,20 @@
 #include "apply_plan.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <map>
-#include <optional>
 #include <utility>
 
 #include "errors.h"
-#include "photograph.h"
+#include "formats.h"
+#include "output_place.h"
+#include "picture_file.h"
 #include "words.h"
 
 namespace lumora::tool {
 namespace {
 
 namespace fs = std::filesystem;
-
-using FileIdentity = std::pair<dev_t, ino_t>;
-
-std::optional<FileIdentity> identityOf(const std::string& path) {
-  struct stat status;
-  if (::stat(path.c_str(), &status) != 0) return std::nullopt;
-  return FileIdentity{status.st_dev, status.st_ino};
-}
 
 bool isFolder(const std::string& path) {
   std::error_code missing;
@@ -37,11 +28,19 @@ std::string formatFor(const PlanSettings& settings, const fs::path& name) {
   return isWritableSuffix(suffix) ? suffix : std::string();
 }
 
-// Collects the pictures of a run that writes into a folder, in the order of the operands.
-class FolderPlan {
+// Takes the operands in their order, then settles what becomes of each.
+class Planner {
  public:
-  explicit FolderPlan(const PlanSettings& settings)
+  explicit Planner(const PlanSettings& settings)
       : settings_(settings), outputFolder_(identityOf(settings.outputFolder)) {}
+
+  void addPair(const std::string& input, const std::string& output) {
+    pictures_.push_back({input, output, formatFor(settings_, output), {}, {}});
+    if (isFolder(input)) {
+      pictures_.back().refusal =
+          "is a folder, not a picture; its pictures take --recursive and --out-dir";
+    }
+  }
 
   void addOperand(const std::string& operand) {
     if (operand == "-") throw UsageError("standard input has no name to keep; use IN OUT");
@@ -56,24 +55,29 @@ class FolderPlan {
     }
   }
 
+  // Nothing may get lost by this run, neither its inputs nor what lies where its outputs shall go.
   Plan finish() {
-    refuseLosses();
+    for (const std::string& path : settings_.otherInputs) noteInput(path);
+    for (const PlannedPicture& picture : pictures_) noteInput(picture.input);
     Plan plan;
     for (PlannedPicture& picture : pictures_) {
-      const bool isDone = settings_.skipExisting && picture.refusal.empty() &&
-                          identityOf(picture.output) && !isFolder(picture.output);
-      if (isDone) {
-        ++plan.skipped;
-      } else {
-        plan.pictures.push_back(std::move(picture));
+      if (picture.refusal.empty()) {
+        const OutputPlace place = findOutputPlace(picture.output);
+        picture.refusal = refusalOf(picture, place);
+        const bool exists = place.kind == OutputPlace::Kind::kFile;
+        if (picture.refusal.empty() && settings_.skipExisting && exists) {
+          ++plan.skipped;
+          continue;
+        }
       }
+      plan.pictures.push_back(std::move(picture));
     }
     return plan;
   }
 
  private:
   void refuse(const std::string& input, const std::string& reason) {
-    pictures_.push_back({input, {}, {}, reason});
+    pictures_.push_back({input, {}, {}, reason, {}});
   }
 
   // `place` is where it lies below the operand and will lie below the output folder.
@@ -81,8 +85,9 @@ class FolderPlan {
     const std::string extension =
         settings_.format.empty() ? input.extension().string() : settings_.format;
     const std::string name = input.stem().string() + settings_.suffix + extension;
-    const fs::path output = fs::path(settings_.outputFolder) / place / name;
-    pictures_.push_back({input.string(), output.string(), formatFor(settings_, input), {}});
+    const fs::path output =
+        settings_.inPlace ? input : fs::path(settings_.outputFolder) / place / name;
+    pictures_.push_back({input.string(), output.string(), formatFor(settings_, input), {}, {}});
   }
 
   // Sorted; hidden files, files that are not named like pictures and links to folders are left out,
@@ -98,82 +103,112 @@ class FolderPlan {
     for (const fs::directory_entry& entry : entries) {
       const fs::path& path = entry.path();
       if (entry.is_directory(error) && !entry.is_symlink(error)) {
-        const bool isOutput = outputFolder_ && identityOf(path.string()) == outputFolder_;
-        if (!isOutput) addFolder(path, place / path.filename());
+        if (identityOf(path.string()) != outputFolder_) addFolder(path, place / path.filename());
       } else if (entry.is_regular_file(error) && isPictureSuffix(path.extension().string())) {
         addPicture(path, place);
       }
     }
   }
 
-  // The outputs' names are made up, so nothing may get lost by them: neither a picture of this run
-  // nor the result of another one.
-  void refuseLosses() {
-    std::map<FileIdentity, std::string> inputs;
-    for (const PlannedPicture& picture : pictures_) {
-      if (const auto identity = identityOf(picture.input)) inputs.emplace(*identity, picture.input);
-    }
-    std::map<std::string, std::string> inputOfOutput;
-    for (PlannedPicture& picture : pictures_) {
-      if (!picture.refusal.empty()) continue;
-      picture.refusal = lossBy(picture, inputs);
-      const auto [first, isNew] = inputOfOutput.emplace(picture.output, picture.input);
-      if (!isNew) picture.refusal = text(picture.output, " is already made from ", first->second);
-    }
+  void noteInput(const std::string& path) {
+    const std::string identity = identityOf(path == "-" ? "/dev/stdin" : path);
+    if (!identity.empty()) inputs_.emplace(identity, path);
   }
 
-  std::string lossBy(const PlannedPicture& picture,
-                     const std::map<FileIdentity, std::string>& inputs) const {
+  std::string refusalOf(PlannedPicture& picture, const OutputPlace& place) {
     try {
-      requireReadableFile(picture.input);
+      if (picture.input != "-") requireReadableFile(picture.input);
     } catch (const PictureError& error) {
       return error.what();
     }
-    const auto output = identityOf(picture.output);
-    const auto lost = output && !settings_.skipExisting ? inputs.find(*output) : inputs.end();
-    if (lost == inputs.end()) return {};
-    return identityOf(picture.input) == output
-               ? "would be overwritten; use --suffix or another folder"
-               : text("would overwrite ", lost->second, "; use another --suffix or folder");
+    if (place.kind == OutputPlace::Kind::kUnusable) {
+      return text(picture.output, " cannot be written: ", place.reason);
+    }
+    const auto [first, isNew] = inputOfOutput_.emplace(place.identity, picture.input);
+    if (!isNew) return text(picture.output, " is already made from ", first->second);
+    return settings_.inPlace ? faultInPlace(picture, place) : lossBy(picture, place);
+  }
+
+  // Sets the picture's backup.
+  std::string faultInPlace(PlannedPicture& picture, const OutputPlace& place) {
+    if (place.kind != OutputPlace::Kind::kFile) return "is not a file that can be replaced";
+    if (picture.format.empty()) return "cannot be written in the format of its name";
+    if (settings_.backupSuffix.empty()) return {};
+    picture.backup = place.path + settings_.backupSuffix;
+    const OutputPlace backup = findOutputPlace(picture.backup);
+    const bool isFree = backup.kind == OutputPlace::Kind::kFree &&
+                        inputOfOutput_.emplace(backup.identity, picture.input).second;
+    return isFree ? std::string()
+                  : text(picture.backup, " exists already; use another --backup SUFFIX");
+  }
+
+  std::string lossBy(const PlannedPicture& picture, const OutputPlace& place) const {
+    const bool exists = place.kind == OutputPlace::Kind::kFile;
+    if (exists && settings_.skipExisting) return {};
+    const auto lost = inputs_.find(place.identity);
+    if (lost == inputs_.end()) {
+      if (!exists || settings_.force) return {};
+      return text(picture.output, " exists already; --force replaces it, --skip-existing keeps it");
+    }
+    return lost->second == picture.input
+               ? "would be overwritten; use --suffix, another name or folder, or --in-place"
+               : text("would overwrite ", lost->second, "; use another --suffix, name or folder");
   }
 
   const PlanSettings& settings_;
-  const std::optional<FileIdentity> outputFolder_;
+  const std::string outputFolder_;  // its identity
   std::vector<PlannedPicture> pictures_;
+  std::map<std::string, std::string> inputs_;         // by their identity
+  std::map<std::string, std::string> inputOfOutput_;  // by the output's identity
 };
 
-Plan planPair(const PlanSettings& settings, const std::string& input, const std::string& output) {
+void checkSettings(const PlanSettings& settings) {
+  const bool hasFolder = !settings.outputFolder.empty();
+  if (settings.inPlace && (hasFolder || !settings.suffix.empty() || !settings.format.empty())) {
+    throw UsageError("--in-place keeps folder, name and format: no --out-dir, --suffix or --to");
+  }
+  if (settings.skipExisting && (settings.inPlace || settings.force)) {
+    throw UsageError(
+        text("--skip-existing contradicts ", settings.force ? "--force" : "--in-place"));
+  }
+  if (!settings.backupSuffix.empty() && !settings.inPlace) {
+    throw UsageError("--backup needs --in-place");
+  }
+  if (!settings.suffix.empty() && !hasFolder) throw UsageError("--suffix needs --out-dir DIR");
+  if (settings.recursive && !hasFolder && !settings.inPlace) {
+    throw UsageError("--recursive needs --out-dir DIR or --in-place");
+  }
+}
+
+void checkPair(const PlanSettings& settings, const std::vector<std::string>& operands) {
+  if (operands.size() != 2) {
+    throw UsageError(operands.size() < 2
+                         ? "an input and an output picture are needed"
+                         : "several pictures need --out-dir DIR to go to, or --in-place");
+  }
+  const std::string& output = operands[1];
   if (isFolder(output)) {
     throw UsageError(text(output, ": is a folder; use --out-dir ", output, " to write into it"));
   }
-  const std::string format = formatFor(settings, output);
-  if (format.empty()) {
+  if (output != "-" && formatFor(settings, output).empty()) {
     throw UsageError(text(output, ": its name does not say in which format to write (",
                           writableSuffixes(), "); choose one with --to"));
   }
-  if (settings.skipExisting && output != "-" && identityOf(output)) return {{}, 1};
-  const char* refusal =
-      isFolder(input) ? "is a folder, not a picture; its pictures take --recursive and --out-dir"
-                      : "";
-  return {{{input, output, format, refusal}}, 0};
 }
 
 }  // namespace
 
 Plan planPictures(const PlanSettings& settings, const std::vector<std::string>& operands) {
-  if (settings.outputFolder.empty()) {
-    if (!settings.suffix.empty()) throw UsageError("--suffix needs --out-dir DIR");
-    if (settings.recursive) throw UsageError("--recursive needs --out-dir DIR");
-    if (operands.size() != 2) {
-      throw UsageError(operands.size() < 2 ? "an input and an output picture are needed"
-                                           : "several pictures need --out-dir DIR to go to");
-    }
-    return planPair(settings, operands[0], operands[1]);
+  checkSettings(settings);
+  Planner planner(settings);
+  if (settings.outputFolder.empty() && !settings.inPlace) {
+    checkPair(settings, operands);
+    planner.addPair(operands[0], operands[1]);
+  } else {
+    if (operands.empty()) throw UsageError("no picture is named");
+    for (const std::string& operand : operands) planner.addOperand(operand);
   }
-  if (operands.empty()) throw UsageError("no picture is named");
-  FolderPlan plan(settings);
-  for (const std::string& operand : operands) plan.addOperand(operand);
-  return plan.finish();
+  return planner.finish();
 }
 
 }  // namespace lumora::tool

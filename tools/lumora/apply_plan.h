@@ -9,18 +9,23 @@
 namespace lumora::tool {
 
 struct PlanSettings {
-  std::string outputFolder;  // empty: the operands are one input and one output
+  std::string outputFolder;  // without it the operands are one input and one output
   std::string suffix;        // put behind the file's own name
   std::string format;        // suffix of the file format; empty: as the output or input is named
   bool recursive = false;    // take the pictures in folders
+  bool inPlace = false;      // the operands are inputs and outputs
+  std::string backupSuffix;  // what the originals are then called; empty: they are gone
+  bool force = false;        // replace outputs that exist
   bool skipExisting = false;
+  std::vector<std::string> otherInputs;  // files that are read beside the pictures
 };
 
 struct PlannedPicture {
   std::string input;
   std::string output;
-  std::string format;   // empty: the name asks for none that can be written
+  std::string format;   // empty: the name asks for none that can be written; the input's for "-"
   std::string refusal;  // why nothing can be done; empty when it can
+  std::string backup;   // the name that the original keeps; empty for none
 };
 
 struct Plan {

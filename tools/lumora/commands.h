@@ -9,6 +9,7 @@ int benchCommand(int argc, char** argv);
 int frameCommand(int argc, char** argv);
 int galleryCommand(int argc, char** argv);
 int looksCommand(int argc, char** argv);
+int lutCommand(int argc, char** argv);
 int packCommand(int argc, char** argv);
 int sampleCommand(int argc, char** argv);
 int tuneCommand(int argc, char** argv);

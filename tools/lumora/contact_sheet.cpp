@@ -2,10 +2,6 @@
 
 #include <algorithm>
 
-#include "errors.h"
-#include "output.h"
-#include "photograph.h"
-
 namespace lumora::tool {
 namespace {
 
@@ -63,20 +59,6 @@ VImage contactSheet(const std::vector<SheetCell>& cells, int columns, int cellWi
   return joined.embed(
       kMargin, kMargin, joined.width() + 2 * kMargin, joined.height() + 2 * kMargin,
       VImage::option()->set("extend", VIPS_EXTEND_BACKGROUND)->set("background", kBackground));
-}
-
-void writeImage(const VImage& image, const std::string& path, int quality) {
-  const std::string suffix = requireWritableName(path);
-  const VImage rgba = image.bandjoin(255);
-  std::size_t bytes = 0;
-  const VipsBytes pixels(static_cast<std::uint8_t*>(rgba.write_to_memory(&bytes)));
-  const Photograph sheet = Photograph::fromPixels(
-      {pixels.get(), pixels.get() + bytes},
-      {static_cast<unsigned>(image.width()), static_cast<unsigned>(image.height())});
-  Output output(path);
-  const std::vector<std::uint8_t> file = sheet.encode(suffix, quality);
-  output.write(file.data(), file.size());
-  output.commit();
 }
 
 }  // namespace lumora::tool

@@ -17,7 +17,4 @@ struct SheetCell {
 vips::VImage contactSheet(const std::vector<SheetCell>& cells, int columns, int cellWidth,
                           int cellHeight);
 
-// Writes an image under the path's suffix; the file appears complete or not at all.
-void writeImage(const vips::VImage& image, const std::string& path, int quality);
-
 }  // namespace lumora::tool

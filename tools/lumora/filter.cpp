@@ -1,77 +1,59 @@
 #include "filter.h"
 
+#include <cstdio>
+
 #include "errors.h"
-#include "library_log.h"
+#include "host/log.h"
 
 namespace lumora::tool {
 namespace {
 
-constexpr unsigned kShortestSide = 88;
-constexpr unsigned kLongestSide = 20000;
+using host::Result;
+using host::Trouble;
 
-bool isAllowedSide(unsigned side) { return side >= kShortestSide && side <= kLongestSide; }
-
-std::string joined(const std::vector<std::string>& lines) {
-  std::string all;
-  for (const std::string& line : lines) all += text(all.empty() ? "" : "; ", line);
-  return all;
-}
-
-std::string reasonOf(std::uint32_t status) {
-  const std::string said = joined(takeLibraryErrors());
-  const std::string quote = said.empty() ? "" : text(" (the library says: ", said, ")");
-  switch (status) {
-    case LUMORA_BAD_STATE: return "not enough memory" + quote;
-    case LUMORA_THREAD_FAILED:
-      return "no worker thread could be started; --single-thread does without" + quote;
-    default: return text("the library refused it with status ", status, quote);
-  }
+std::string reasonOf(const Result& result) {
+  const bool isThreads = result.trouble == Trouble::kThreads;
+  return isThreads ? result.message + "; --single-thread does without" : result.message;
 }
 
 }  // namespace
 
+void showLibraryLog() {
+  host::setLogSink([](int, const char* line) { std::fprintf(stderr, "filter: %s\n", line); });
+}
+
 void requirePictureSize(Size size) {
-  if (isAllowedSide(size.width) && isAllowedSide(size.height)) return;
-  throw PictureError(text("is ", size.width, " x ", size.height, " pixels; looks need ",
-                          kShortestSide, " to ", kLongestSide, " pixels on either side"));
+  // Every look takes the same sizes of rgba.
+  const Result result = host::checkPicture(kModes.front(), LUMORA_FORMAT_RGBA, size);
+  if (!result) throw PictureError(result.message);
 }
 
 void requireFrame(const Mode& mode, std::uint32_t format, Size size) {
-  requirePictureSize(size);
-  if (format == LUMORA_FORMAT_RGBA) return;
-  if (mode.rgbaOnly) throw UsageError(text("the look ", mode.name, " exists for rgba frames only"));
-  if (size.width % 2 != 0 || size.height % 2 != 0) {
-    throw UsageError(
-        text("nv21 and nv12 frames have even sides, not ", size.width, " x ", size.height));
-  }
+  const Result result = host::checkPicture(mode, format, size);
+  if (!result) throw UsageError("the frame: " + result.message);
 }
+
+// Opened for a look without texture, a session serves every look.
+Filter::Filter(const ResourceSettings& settings) { open(settings, kModes.front(), {}, 0); }
 
 Filter::Filter(const ResourceSettings& settings, const LookSettings& look, Size size) {
-  const Resources resources(settings);
-  FilterInitParamApp init{};
-  // Only texture looks have anything to prepare.
-  if (look.mode->texture != nullptr) {
-    init.eMode = look.mode->number;
-    init.width = size.width;
-    init.height = size.height;
-  }
-  init.eDirection = static_cast<std::uint32_t>(look.direction);
-  init.pcResourceDir = resources.prefix();
-  takeLibraryErrors();
-  const std::uint32_t status = filterInit_APP(&handle_, &init);
-  if (status == LUMORA_OK) return;
-  filterDestroy(&handle_);
-  if (status == LUMORA_BAD_RESOURCE) resources.explainRefusal(joined(takeLibraryErrors()));
-  throw PictureError("the library could not be set up: " + reasonOf(status));
+  open(settings, *look.mode, size, look.values.direction);
 }
 
-Filter::~Filter() { filterDestroy(&handle_); }
+void Filter::open(const ResourceSettings& settings, const Mode& mode, Size size, int direction) {
+  static_assert(!kModes.front().texture);
+  const Resources resources(settings);
+  const Result result = session_.open(mode, resources.prefix(), size, direction);
+  if (result) return;
+  if (result.trouble == Trouble::kResource) resources.explainRefusal(result.message);
+  throw PictureError("the library could not be set up: " + reasonOf(result));
+}
 
 void Filter::apply(const LookSettings& look, const FilterImage& picture) {
-  FilterAlbumParam record = recordFor(look, picture);
-  takeLibraryErrors();
-  const std::uint32_t status = filterProcess_for_album(handle_, &picture, &record);
-  if (status != LUMORA_OK) throw PictureError("could not be filtered: " + reasonOf(status));
+  const Result result = session_.apply(*look.mode, look.values, picture);
+  if (result) return;
+  if (result.trouble == Trouble::kArgument) throw PictureError(result.message);
+  throw PictureError("could not be filtered: " + reasonOf(result));
 }
 
 }  // namespace lumora::tool

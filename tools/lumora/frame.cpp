@@ -5,16 +5,15 @@
 #include <cerrno>
 #include <cstring>
 #include <iostream>
-#include <optional>
 
 #include "commands.h"
 #include "errors.h"
 #include "filter.h"
 #include "frame_format.h"
 #include "image_library.h"
-#include "library_log.h"
 #include "output.h"
 #include "photograph.h"
+#include "standard_descriptors.h"
 
 namespace lumora::tool {
 namespace {
@@ -25,6 +24,7 @@ struct FrameSettings {
   const FrameFormat* format = nullptr;
   Size size;
   int strideBytes = 0;  // 0: as the width needs
+  bool force = false;
   bool verbose = false;
 };
 
@@ -40,10 +40,13 @@ CommandLine commandLine(FrameSettings& s) {
        {"Frames",
         {{"format", 'f', "nv21|nv12|rgba", "how the pixels are stored",
           [&s](const std::string& v) { s.format = &findFrameFormat(v); }},
-         {"size", 0, "WxH", "pixels, 88 to 20000 on either side; even for nv21 and nv12",
+         {"size", 0, "WxH",
+          text("pixels, ", LUMORA_SHORTEST_SIDE, " to ", LUMORA_LONGEST_SIDE,
+               " on either side; even for nv21 and nv12"),
           [&s](const std::string& v) { s.size = parseSize(v); }},
          {"stride", 0, "N", "bytes from row to row; default: width, for rgba 4 x width",
           [&s](const std::string& v) { s.strideBytes = parseInteger(v, 1, INT32_MAX); }},
+         forceOption(s.force),
          {"verbose", 'v', nullptr, "show what is done and the library's log", raise(s.verbose)}}},
        resourceOptions(s.resources)},
       "  lumora frame --look moran --format nv21 --size 1280x720 < in.nv21 > out.nv21\n"
@@ -61,11 +64,7 @@ void checkSettings(FrameSettings& settings) {
   checkLookSettings(settings.look);
   if (settings.format == nullptr) throw UsageError("--format is needed: nv21, nv12 or rgba");
   if (settings.size.width == 0) throw UsageError("--size is needed, for example --size 1280x720");
-  try {
-    requireFrame(*settings.look.mode, settings.format->format, settings.size);
-  } catch (const PictureError& error) {
-    throw UsageError(text("a frame ", error.what()));
-  }
+  requireFrame(*settings.look.mode, settings.format->format, settings.size);
   const auto rowBytes = static_cast<int>(settings.size.width * settings.format->bytesPerPixel);
   if (settings.strideBytes == 0) settings.strideBytes = rowBytes;
   if (settings.strideBytes < rowBytes) {
@@ -117,6 +116,7 @@ std::uint64_t filterFrames(const FrameSettings& settings, Input& input, Filter& 
   std::vector<std::uint8_t> frame(frameBytes(settings));
   const FilterImage image{format.format, frame.data(), settings.size.width, settings.size.height,
                           settings.strideBytes};
+  LookSettings look = settings.look;
   for (std::uint64_t count = 0;; ++count) {
     const std::size_t got = input.read(frame.data(), frame.size());
     if (got == 0 && count > 0) return count;
@@ -125,7 +125,9 @@ std::uint64_t filterFrames(const FrameSettings& settings, Input& input, Filter& 
       throw PictureError(text(input.name(), ": frame ", count + 1, " is cut short: ", got, " of ",
                               frame.size(), " bytes; do --size, --stride and --format fit?"));
     }
-    filter.apply(settings.look, image);
+    filter.apply(look, image);
+    if (look.values.seed)
+      ++*look.values.seed;  // marks that stay where they are do not look like film
     output.write(frame.data(), frame.size());
   }
 }
@@ -142,17 +144,17 @@ int frameCommand(int argc, char** argv) {
   const std::string outputPath = operands->size() < 2 ? "-" : operands->back();
 
   if (settings.verbose) showLibraryLog();
-  const int standardOutput = takeStandardOutput(settings.verbose);
+  requireOtherFile(inputPath, outputPath);
+  takeStandardOutput(settings.verbose);
   if (!settings.look.maskFile.empty()) {
     startImageLibrary(argv[0], settings.verbose);
     loadMask(settings.look);
   }
   Input input(inputPath);
   Filter filter(settings.resources, settings.look, settings.size);
-  std::optional<Output> output;
-  outputPath == "-" ? output.emplace(standardOutput) : output.emplace(outputPath);
-  const std::uint64_t frames = filterFrames(settings, input, filter, *output);
-  output->commit();
+  Output output(outputPath, {.force = settings.force});
+  const std::uint64_t frames = filterFrames(settings, input, filter, output);
+  output.commit();
   if (settings.verbose) std::cerr << "lumora: " << frames << " frames\n";
   return kExitDone;
 }

@@ -4,7 +4,6 @@
 #include <array>
 
 #include "errors.h"
-#include "lumora/filters.h"
 
 namespace lumora::tool {
 namespace {
@@ -37,11 +36,15 @@ const FrameFormat& findFrameFormat(const std::string& name) {
   throw UsageError(text("'", name, "' is not one of nv21, nv12, rgba", didYouMean(name, names)));
 }
 
-std::vector<std::uint8_t> frameOf(const std::vector<std::uint8_t>& rgba, const FrameFormat& format,
-                                  Size& size) {
-  if (!format.hasChromaPlane) return rgba;
-  const std::size_t rowBytes = std::size_t{4} * size.width;
-  size = {size.width & ~1u, size.height & ~1u};
+Size frameSize(const FilterImage& rgba, const FrameFormat& format) {
+  if (!format.hasChromaPlane) return {rgba.width, rgba.height};
+  return {rgba.width & ~1u, rgba.height & ~1u};
+}
+
+std::vector<std::uint8_t> frameOf(const FilterImage& rgba, const FrameFormat& format) {
+  const std::size_t rowBytes = std::size_t{4} * rgba.width;
+  if (!format.hasChromaPlane) return {rgba.picData, rgba.picData + rowBytes * rgba.height};
+  const Size size = frameSize(rgba, format);
   const std::size_t width = size.width;
   std::vector<std::uint8_t> frame(width * size.height * 3 / 2);
   std::uint8_t* chroma = &frame[width * size.height];
@@ -51,7 +54,7 @@ std::vector<std::uint8_t> frameOf(const std::vector<std::uint8_t>& rgba, const F
       int sums[3] = {};
       for (const std::size_t row : {y, y + 1}) {
         for (const std::size_t column : {x, x + 1}) {
-          const std::uint8_t* const pixel = &rgba[row * rowBytes + 4 * column];
+          const std::uint8_t* const pixel = rgba.picData + row * rowBytes + 4 * column;
           frame[row * width + column] = lumaOf(pixel);
           for (int channel = 0; channel < 3; ++channel) sums[channel] += pixel[channel];
         }

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "lumora/filters.h"
 #include "words.h"
 
 namespace lumora::tool {
@@ -19,9 +20,11 @@ struct FrameFormat {
 // Throws a UsageError that names the nearest.
 const FrameFormat& findFrameFormat(const std::string& name);
 
+// The size of the frame that frameOf() makes of a picture: nv21 and nv12 leave out an odd last
+// column or row.
+Size frameSize(const FilterImage& rgba, const FrameFormat& format);
 // Packed RGBA as a frame of packed rows, with luma and chroma as the looks take them: full range,
-// BT.601. nv21 and nv12 leave out an odd last column or row; `size` becomes the frame's.
-std::vector<std::uint8_t> frameOf(const std::vector<std::uint8_t>& rgba, const FrameFormat& format,
-                                  Size& size);
+// BT.601.
+std::vector<std::uint8_t> frameOf(const FilterImage& rgba, const FrameFormat& format);
 
 }  // namespace lumora::tool

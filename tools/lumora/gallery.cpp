@@ -6,9 +6,11 @@
 #include "errors.h"
 #include "example_settings.h"
 #include "filter.h"
+#include "formats.h"
 #include "image_library.h"
 #include "output.h"
 #include "photograph.h"
+#include "standard_descriptors.h"
 
 namespace lumora::tool {
 namespace {
@@ -22,50 +24,39 @@ struct GallerySettings {
   std::vector<const Mode*> looks;
   std::vector<int> strengths;
   int columns = 0;
+  std::optional<std::uint32_t> seed;
   int quality = kDefaultQuality;
   bool singleThread = false;
+  bool force = false;
 };
 
-VImage imageOf(const FilterImage& picture) {
-  // Images are evaluated late: the caller's pixels may be gone by then.
-  const VImage rgba = VImage(vips_image_new_from_memory_copy(
-                                 picture.picData, std::size_t{4} * picture.width * picture.height,
-                                 static_cast<int>(picture.width), static_cast<int>(picture.height),
-                                 4, VIPS_FORMAT_UCHAR))
-                          .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
-  return rgba.extract_band(0, VImage::option()->set("n", 3));
-}
-
 // The picture at twice the cell's size, or as it is where it is smaller.
-std::vector<std::uint8_t> preparedPixels(Photograph& photograph, Size& size) {
-  VImage image = imageOf(photograph.image());
+VImage preparedPicture(const std::string& path) {
+  const Photograph photograph = Photograph::read(path);
+  VImage image = photograph.colours();
   if (image.width() > 2 * kCellWidth) image = image.thumbnail_image(2 * kCellWidth);
-  image = image.cast(VIPS_FORMAT_UCHAR).bandjoin(255);
-  size = {static_cast<unsigned>(image.width()), static_cast<unsigned>(image.height())};
-  requirePictureSize(size);
-  std::size_t bytes = 0;
-  const VipsBytes pixels(static_cast<std::uint8_t*>(image.write_to_memory(&bytes)));
-  return {pixels.get(), pixels.get() + bytes};
+  requirePictureSize({static_cast<unsigned>(image.width()), static_cast<unsigned>(image.height())});
+  return fromRgba(toRgba(image.cast(VIPS_FORMAT_UCHAR)), false);
 }
 
 std::string labelOf(const Mode& mode, int strength) {
-  const bool plain = strength == 16 || mode.strength == StrengthUse::kUnused;
+  const bool plain = strength == LUMORA_FULL_STRENGTH || mode.strength == StrengthUse::kUnused;
   return plain ? text(mode.number, "  ", mode.name)
                : text(mode.number, "  ", mode.name, "  ", strength);
 }
 
 std::vector<SheetCell> drawCells(const GallerySettings& gallery, const ResourceSettings& resources,
-                                 const std::vector<std::uint8_t>& rgba, Size size) {
+                                 const VImage& picture) {
+  Filter filter(resources);
   std::vector<SheetCell> cells;
   for (const Mode* mode : gallery.looks) {
     for (const int strength : gallery.strengths) {
-      std::vector<std::uint8_t> pixels = rgba;
-      const FilterImage picture{LUMORA_FORMAT_RGBA, pixels.data(), size.width, size.height,
-                                static_cast<std::int32_t>(4 * size.width)};
-      const LookSettings settings =
-          exampleSettings(*mode, strength, gallery.singleThread, rgba, size);
-      Filter(resources, settings, size).apply(settings, picture);
-      cells.push_back({labelOf(*mode, strength), imageOf(picture)});
+      const VImage rgba = toRgba(picture);
+      const FilterImage pixels = pixelsOf(rgba);
+      LookSettings settings = exampleSettings(*mode, strength, gallery.singleThread, pixels);
+      settings.values.seed = gallery.seed;
+      filter.apply(settings, pixels);
+      cells.push_back({labelOf(*mode, strength), fromRgba(rgba, false)});
     }
   }
   return cells;
@@ -74,12 +65,9 @@ std::vector<SheetCell> drawCells(const GallerySettings& gallery, const ResourceS
 VImage drawSheet(const GallerySettings& gallery, const ResourceSettings& resources,
                  const std::string& path) {
   try {
-    Photograph photograph = Photograph::read(path);
-    Size size;
-    const std::vector<std::uint8_t> rgba = preparedPixels(photograph, size);
-    const int cellHeight =
-        std::max(64, kCellWidth * static_cast<int>(size.height) / static_cast<int>(size.width));
-    return contactSheet(drawCells(gallery, resources, rgba, size), gallery.columns, kCellWidth,
+    const VImage picture = preparedPicture(path);
+    const int cellHeight = std::max(64, kCellWidth * picture.height() / picture.width());
+    return contactSheet(drawCells(gallery, resources, picture), gallery.columns, kCellWidth,
                         cellHeight);
   } catch (const PictureError& error) {
     throw PictureError(text(path, ": ", error.what()));
@@ -109,6 +97,8 @@ CommandLine commandLine(GallerySettings& gallery, ResourceSettings& resources) {
           [&](const std::string& v) { gallery.columns = parseInteger(v, 1, 50); }},
          {"quality", 0, "1..100", "of jpg, webp, avif and heic; default 92",
           [&](const std::string& v) { gallery.quality = parseInteger(v, 1, 100); }},
+         seedOption(gallery.seed),
+         forceOption(gallery.force),
          {"single-thread", 0, nullptr, "filter without starting threads",
           raise(gallery.singleThread)}}},
        resourceOptions(resources)},
@@ -125,20 +115,25 @@ int galleryCommand(int argc, char** argv) {
   if (!operands) return kExitDone;
   if (operands->size() != 2) throw UsageError("an input and an output picture are needed");
   if (gallery.looks.empty()) {
-    for (const Mode& mode : modes()) gallery.looks.push_back(&mode);
+    for (const Mode& mode : kModes) gallery.looks.push_back(&mode);
   }
-  if (gallery.strengths.empty()) gallery.strengths = {16};
+  if (gallery.strengths.empty()) gallery.strengths = {LUMORA_FULL_STRENGTH};
   if (gallery.columns == 0) {
     gallery.columns = gallery.strengths.size() > 1 ? static_cast<int>(gallery.strengths.size()) : 5;
   }
 
-  requireWritableName(operands->at(1));
+  const std::string& input = operands->at(0);
+  const std::string& path = operands->at(1);
+  const std::string suffix = requireWritableName(path);
+  requireOtherFile(input, path);
 
   startImageLibrary(argv[0], false);
   // The library writes lines of its own there.
   takeStandardOutput(false);
-  const VImage sheet = drawSheet(gallery, resources, operands->front());
-  writeImage(sheet, operands->at(1), gallery.quality);
+  Output output(path, {.force = gallery.force});
+  const std::vector<std::uint8_t> file =
+      encode(drawSheet(gallery, resources, input), {}, suffix, gallery.quality);
+  output.finish(file.data(), file.size());
   return kExitDone;
 }
 

@@ -15,7 +15,7 @@ void startImageLibrary(const char* program, bool verbose, int jobs = 1);
 // At the end of every thread that has used it, but the first.
 void leaveImageLibrary();
 
-// The first line of libvips's complaints; the others repeat it from further out.
+// The first line of libvips's complaints about a fault; the others repeat it from further out.
 std::string takeImageComplaint();
 
 // Complaints of all threads go into one buffer. A step runs beside those of other threads, or alone

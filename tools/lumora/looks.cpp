@@ -2,15 +2,20 @@
 #include <algorithm>
 #include <iomanip>
 #include <iostream>
+#include <nlohmann/json.hpp>
+#include <span>
 
 #include "commands.h"
 #include "errors.h"
 #include "look_settings.h"
 #include "modes.h"
 #include "options.h"
+#include "resources/texture_pack.h"
 
 namespace lumora::tool {
 namespace {
+
+using Json = nlohmann::ordered_json;
 
 void printRow(const std::string& number, const char* name, const char* kind, const char* summary,
               const char* texture) {
@@ -24,7 +29,7 @@ void printStrengths() {
   std::cout << "\nStrength: " << describe(kBlendAndCurves) << ".\n";
   for (const StrengthUse use : {kOwn, kBlend, kBlurLevel, kUnused}) {
     const char* lead = "  ";
-    for (const Mode& mode : modes()) {
+    for (const Mode& mode : kModes) {
       if (mode.strength != use) continue;
       std::cout << lead << mode.name;
       lead = ", ";
@@ -39,7 +44,7 @@ std::string optionForm(const Option& option) {
 
 void printOptions() {
   std::cout << "\nOptions of single looks ('lumora looks NAME' explains them):\n";
-  for (const Mode& mode : modes()) {
+  for (const Mode& mode : kModes) {
     std::string forms;
     for (const Option& option : optionsOf(mode)) {
       forms += text(forms.empty() ? "" : "  ", optionForm(option));
@@ -52,9 +57,9 @@ void printOptions() {
 
 void printTable() {
   printRow("Mode", "Name", "Kind", "What it does", "Texture");
-  for (const Mode& mode : modes()) {
+  for (const Mode& mode : kModes) {
     printRow(std::to_string(mode.number), mode.name, mode.kind, mode.summary,
-             mode.texture ? mode.texture : "-");
+             mode.texture ? mode.texture.words : "-");
   }
   printStrengths();
   printOptions();
@@ -63,7 +68,8 @@ void printTable() {
 
 void printMode(const Mode& mode) {
   std::cout << mode.number << "  " << mode.name << ": " << mode.summary << "\n\n"
-            << "Kind:     " << mode.kind << "\nTexture:  " << (mode.texture ? mode.texture : "none")
+            << "Kind:     " << mode.kind << "\nAlso:     " << (mode.alias ? mode.alias : "-")
+            << "\nTexture:  " << (mode.texture ? mode.texture.words : "none")
             << "\nStrength: " << describe(mode.strength)
             << "\nFormats:  " << (mode.rgbaOnly ? "rgba" : "rgba, nv21, nv12") << '\n';
   const std::vector<Option> options = optionsOf(mode);
@@ -71,36 +77,49 @@ void printMode(const Mode& mode) {
   for (const Option& option : options) printOption(std::cout, option);
 }
 
-// The texts are the tables' own; beside line breaks they hold nothing that would need escaping.
-std::string quoted(const char* value) {
-  if (value == nullptr) return "null";
-  std::string line = value;
-  std::replace(line.begin(), line.end(), '\n', ' ');
-  return text('"', line, '"');
+Json asJson(const char* text) { return text ? Json(text) : Json(nullptr); }
+
+// A help text's line breaks are the terminal's.
+std::string oneLine(std::string help) {
+  std::replace(help.begin(), help.end(), '\n', ' ');
+  return help;
 }
 
-std::string optionsAsJson(const Mode& mode) {
-  std::string list;
-  for (const Option& option : optionsOf(mode)) {
-    list += text(list.empty() ? "" : ", ", "{\"option\": \"--", option.name,
-                 "\", \"value\": ", quoted(option.argument),
-                 ", \"help\": ", quoted(option.help.c_str()), "}");
+Json asJson(const SettingFacts& setting) {
+  Json json{{"option", text("--", setting.name)},
+            {"value", setting.value},
+            {"help", oneLine(setting.help)}};
+  if (setting.numbers == 0) return json;
+  json["numbers"] = setting.numbers;
+  if (setting.highest < kAnyPlace) json["range"] = {setting.lowest, setting.highest};
+  if (setting.standard != kNoStandard) json["default"] = setting.standard;
+  return json;
+}
+
+Json asJson(const Mode& mode) {
+  Json textures = Json::array(), options = Json::array();
+  for (const PackImage& image : kPackImages) {
+    if (&userOf(image) == &mode) textures.push_back(image.name);
   }
-  return text('[', list, ']');
+  for (const Setting setting : settingsOf(mode)) options.push_back(asJson(kSettings[setting]));
+  return {{"mode", mode.number},
+          {"name", mode.name},
+          {"alias", asJson(mode.alias)},
+          {"kind", mode.kind},
+          {"summary", mode.summary},
+          {"texture", asJson(mode.texture.words)},
+          {"textures", textures},
+          {"strength", describe(mode.strength)},
+          {"blended", mode.isBlended()},
+          {"tuning", mode.tuningGroup ? Json(text("filter", mode.tuningGroup)) : Json(nullptr)},
+          {"formats", mode.rgbaOnly ? Json{"rgba"} : Json{"rgba", "nv21", "nv12"}},
+          {"options", options}};
 }
 
 void printJson(std::span<const Mode> listed) {
-  const char* separator = "[\n";
-  for (const Mode& mode : listed) {
-    std::cout << separator << "  {\"mode\": " << mode.number << ", \"name\": " << quoted(mode.name)
-              << ", \"kind\": " << quoted(mode.kind) << ", \"summary\": " << quoted(mode.summary)
-              << ", \"texture\": " << quoted(mode.texture)
-              << ", \"strength\": " << quoted(describe(mode.strength)) << ", \"formats\": "
-              << (mode.rgbaOnly ? R"(["rgba"])" : R"(["rgba", "nv21", "nv12"])")
-              << ", \"options\": " << optionsAsJson(mode) << "}";
-    separator = ",\n";
-  }
-  std::cout << "\n]\n";
+  Json list = Json::array();
+  for (const Mode& mode : listed) list.push_back(asJson(mode));
+  std::cout << list.dump(2) << '\n';
 }
 
 }  // namespace
@@ -120,7 +139,7 @@ int looksCommand(int argc, char** argv) {
   if (!operands) return kExitDone;
   if (operands->size() > 1) throw UsageError("looks tells about one look at a time");
   if (operands->empty()) {
-    json ? printJson(modes()) : printTable();
+    json ? printJson(kModes) : printTable();
   } else {
     const Mode& mode = findMode(operands->front());
     json ? printJson({&mode, 1}) : printMode(mode);

@@ -10,6 +10,7 @@
 #include "commands.h"
 #include "errors.h"
 #include "lumora/filters.h"
+#include "standard_descriptors.h"
 #include "temporary_files.h"
 #include "words.h"
 
@@ -28,6 +29,7 @@ constexpr std::array kCommands = {
     Command{"frame", "give raw camera frames a look, from a file or a pipe", frameCommand},
     Command{"gallery", "draw one sheet of a photograph under all looks", galleryCommand},
     Command{"looks", "list the looks and what they do", looksCommand},
+    Command{"lut", "write looks as tables of colours for other programs", lutCommand},
     Command{"pack", "make, check and show texture packs", packCommand},
     Command{"sample", "draw the sample scene", sampleCommand},
     Command{"tune", "write and check tuning documents", tuneCommand},
@@ -90,10 +92,10 @@ int main(int argc, char** argv) {
   using namespace lumora::tool;
   std::string context = "lumora";
   try {
+    occupyStandardDescriptors();
     removeTemporariesOnInterrupt();
     const int code = run(argc, argv, context);
-    std::cout.flush();
-    if (!std::cout) return fail(kExitPictureFailed, "standard output: writing failed");
+    finishListing();
     return code;
   } catch (const UsageError& error) {
     return fail(kExitUsage, text(error.what(), "\n'", context, " --help' tells more."));

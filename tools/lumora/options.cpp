@@ -131,6 +131,10 @@ std::optional<std::vector<std::string>> readCommandLine(const CommandLine& line,
   return std::vector<std::string>(argv + optind, argv + argc);
 }
 
+Option forceOption(bool& force) {
+  return {"force", 0, nullptr, "replace what exists under the output's name", raise(force)};
+}
+
 std::function<void(const std::string&)> raise(bool& flag) {
   return [&flag](const std::string&) { flag = true; };
 }

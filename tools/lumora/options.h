@@ -39,6 +39,9 @@ std::optional<std::vector<std::string>> readCommandLine(const CommandLine& line,
 // The option's lines of a help text.
 void printOption(std::ostream& out, const Option& option);
 
+// --force, of the commands that write one file or one set of files.
+Option forceOption(bool& force);
+
 // An accept function that sets a flag.
 std::function<void(const std::string&)> raise(bool& flag);
 // An accept function that keeps the value as it is.

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -10,12 +11,12 @@
 
 #include "commands.h"
 #include "contact_sheet.h"
+#include "default_pack/default_pack.h"
 #include "errors.h"
 #include "image_library.h"
 #include "options.h"
 #include "output.h"
 #include "photograph.h"
-#include "resources/default_pack.h"
 #include "resources/texture_pack.h"
 #include "words.h"
 
@@ -49,11 +50,11 @@ std::string faultOf(const std::vector<std::uint8_t>& pack) {
   if (pack.size() != kPackBytes) {
     return text("has ", pack.size(), " bytes instead of ", kPackBytes);
   }
-  if (std::memcmp(pack.data(), kPackSizeBytes, sizeof kPackSizeBytes) != 0) {
-    return "does not begin with the bytes 04 00 04 00 of a texture pack";
-  }
-  if (std::memcmp(pack.data() + kPackMarkOffset, kPackMark, sizeof kPackMark) != 0) {
-    return "lacks the mark 01 04 01 01 00 04 at byte 10";
+  switch (findPackFault(pack.data())) {
+    case PackFault::kSizeBytes:
+      return "does not begin with the bytes 04 00 04 00 of a texture pack";
+    case PackFault::kMark: return "lacks the mark 01 04 01 01 00 04 at byte 10";
+    case PackFault::kNone: break;
   }
   return "";
 }
@@ -113,26 +114,38 @@ VImage slotImage(const std::vector<std::uint8_t>& pack, const PackImage& slot) {
       .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
 }
 
+std::vector<std::uint8_t> defaultPack() {
+  std::vector<std::uint8_t> pack(kPackBytes);
+  drawDefaultPack(pack.data());
+  return pack;
+}
+
 int create(int argc, char** argv) {
-  std::string out;
+  std::string out, from;
+  bool force = false;
   std::vector<Replacement> replacements;
   const auto operands = readCommandLine(
-      {"lumora pack create --out mixIm.dat [--slot NAME=PICTURE ...]",
-       "Draws the default texture pack. Single textures can be replaced by pictures of any size "
-       "and\n"
-       "format.\n",
+      {"lumora pack create --out mixIm.dat [--from PACK] [--slot NAME=PICTURE ...]",
+       "Draws the default texture pack, or takes another one. Single textures can be replaced by\n"
+       "pictures of any size and format. Folders that the name needs are made.\n",
        {{"Options",
          {{"out", 'o', "FILE", "the pack to write", keep(out)},
+          {"from", 0, "PACK", "start from this pack instead of the default one", keep(from)},
           {"slot", 0, "NAME=PICTURE", "use this picture for a texture; may be given again",
-           [&](const std::string& v) { replacements.push_back(parseReplacement(v)); }}}}},
+           [&](const std::string& v) { replacements.push_back(parseReplacement(v)); }},
+          forceOption(force)}}},
        "  lumora pack create --out mixIm.dat\n"
-       "  lumora pack create --out mixIm.dat --slot vignette=mine.png --slot leak0=light.jpg\n"},
+       "  lumora pack create --out mixIm.dat --slot vignette=mine.png --slot leak0=light.jpg\n"
+       "  lumora pack create --from old/mixIm.dat --out new/mixIm.dat --slot grain=grain.png\n"},
       argc, argv);
   if (!operands) return kExitDone;
   if (out.empty()) throw UsageError("--out FILE is needed");
   if (!operands->empty()) throw UsageError("pack create takes no operands");
-  std::vector<std::uint8_t> pack(kPackBytes);
-  drawDefaultPack(pack.data());
+  for (const Replacement& r : replacements) requireOtherFile(r.path, out);
+  if (!from.empty()) requireOtherFile(from, out);
+  std::vector<std::uint8_t> pack = from.empty() ? defaultPack() : readPack(from);
+  makeFolder(std::filesystem::path(out).parent_path().string());
+  Output output(out, {.force = force});
   if (!replacements.empty()) startImageLibrary(argv[0], false);
   for (const Replacement& r : replacements) {
     try {
@@ -141,27 +154,32 @@ int create(int argc, char** argv) {
       throw PictureError(text(r.path, ": ", error.what()));
     }
   }
-  Output output(out);
-  output.write(pack.data(), pack.size());
-  output.commit();
+  output.finish(pack.data(), pack.size());
   return kExitDone;
 }
 
 int show(int argc, char** argv) {
-  const auto operands = readCommandLine({"lumora pack show mixIm.dat OUT.png",
+  bool force = false;
+  const auto operands = readCommandLine({"lumora pack show [--force] mixIm.dat OUT.png",
                                          "Draws a labelled sheet of the textures in a pack.\n",
-                                         {},
+                                         {{"Options", {forceOption(force)}}},
                                          "  lumora pack show mixIm.dat textures.png\n"},
                                         argc, argv);
   if (!operands) return kExitDone;
   if (operands->size() != 2) throw UsageError("a pack and an output picture are needed");
+  const std::string& path = operands->at(1);
   const std::vector<std::uint8_t> pack = readPack(operands->at(0));
+  const std::string suffix = requireWritableName(path);
+  requireOtherFile(operands->at(0), path);
+  Output output(path, {.force = force});
   startImageLibrary(argv[0], false);
   std::vector<SheetCell> cells;
   for (const PackImage& slot : kPackImages) {
-    cells.push_back({text(slot.name, " (", slot.look, ")"), slotImage(pack, slot)});
+    cells.push_back({text(slot.name, " (", userOf(slot).name, ")"), slotImage(pack, slot)});
   }
-  writeImage(contactSheet(cells, 5, 256, 256), operands->at(1), kDefaultQuality);
+  const std::vector<std::uint8_t> file =
+      encode(contactSheet(cells, 5, 256, 256), {}, suffix, kDefaultQuality);
+  output.finish(file.data(), file.size());
   return kExitDone;
 }
 
@@ -178,30 +196,38 @@ int check(int argc, char** argv) {
   return kExitDone;
 }
 
+// A texture as a picture file.
+void writeSlot(const std::vector<std::uint8_t>& pack, const PackImage& slot, Output& output) {
+  const VImage image = slotImage(pack, slot);
+  void* encoded = nullptr;
+  std::size_t bytes = 0;
+  (slot.bytesPerPixel == 1 ? image.extract_band(0) : image)
+      .write_to_buffer(".png", &encoded, &bytes);
+  const VipsBytes owner(static_cast<std::uint8_t*>(encoded));
+  output.write(owner.get(), bytes);
+}
+
 int extract(int argc, char** argv) {
+  bool force = false;
   const auto operands =
-      readCommandLine({"lumora pack extract mixIm.dat FOLDER",
-                       "Writes every texture of a pack as NAME.png into an existing folder.\n",
-                       {},
+      readCommandLine({"lumora pack extract [--force] mixIm.dat FOLDER",
+                       "Writes every texture of a pack as NAME.png into a folder, which is made.\n",
+                       {{"Options", {forceOption(force)}}},
                        "  lumora pack extract mixIm.dat textures\n"},
                       argc, argv);
   if (!operands) return kExitDone;
   if (operands->size() != 2) throw UsageError("a pack and a folder are needed");
   const std::vector<std::uint8_t> pack = readPack(operands->at(0));
   startImageLibrary(argv[0], false);
+  makeFolder(operands->at(1));
+  // All outputs, before the first is there for good.
+  std::deque<Output> outputs;
   for (const PackImage& slot : kPackImages) {
-    const std::filesystem::path path =
-        std::filesystem::path(operands->at(1)) / text(slot.name, ".png");
-    const VImage image = slotImage(pack, slot);
-    void* encoded = nullptr;
-    std::size_t bytes = 0;
-    (slot.bytesPerPixel == 1 ? image.extract_band(0) : image)
-        .write_to_buffer(".png", &encoded, &bytes);
-    const VipsBytes owner(static_cast<std::uint8_t*>(encoded));
-    Output output(path.string());
-    output.write(owner.get(), bytes);
-    output.commit();
+    const std::string path = text(operands->at(1), '/', slot.name, ".png");
+    requireOtherFile(operands->at(0), path);
+    writeSlot(pack, slot, outputs.emplace_back(path, OutputRules{.force = force}));
   }
+  for (Output& output : outputs) output.commit();
   return kExitDone;
 }
 

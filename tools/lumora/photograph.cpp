@@ -1,78 +1,46 @@
 #include "photograph.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <string_view>
+#include <utility>
 
+#include "colours.h"
 #include "errors.h"
 #include "filter.h"
 #include "image_library.h"
+#include "picture_file.h"
+#include "png_chunks.h"
 
 namespace lumora::tool {
 namespace {
 
 using vips::VImage;
 
-constexpr const char* kThumbnailField = "jpeg-thumbnail-data";
 constexpr const char* kUnreadable = "cannot be read, it seems damaged";
 
-struct Format {
-  const char* suffix;
-  const char* options;  // of libvips's saver
-  bool hasQuality;
-  bool hasAlpha;
-};
-
-constexpr std::array kFormats = {
-    Format{".jpg", "subsample_mode=off,optimize_coding=true", true, false},
-    Format{".jpeg", "subsample_mode=off,optimize_coding=true", true, false},
-    Format{".png", "", false, true},
-    Format{".webp", "", true, true},
-    Format{".tif", "compression=deflate,predictor=horizontal", false, true},
-    Format{".tiff", "compression=deflate,predictor=horizontal", false, true},
-    // The default effort would take the better part of a minute.
-    Format{".avif", "compression=av1,effort=2", true, true},
-    Format{".heic", "compression=hevc", true, true},
-};
-
-const Format* findFormat(const std::string& suffix) {
-  const auto found = std::find_if(kFormats.begin(), kFormats.end(), [&](const Format& format) {
-    return lowerCase(suffix) == format.suffix;
-  });
-  return found == kFormats.end() ? nullptr : &*found;
-}
-
-VImage openSource(int descriptor, vips::VOption* options) {
-  return VImage::new_from_source(vips::VSource::new_from_descriptor(descriptor), "", options);
-}
-
-VImage openLazily(const std::string& path) {
-  const auto options = [] {
-    return VImage::option()
-        ->set("access", VIPS_ACCESS_SEQUENTIAL)
-        ->set("fail_on", VIPS_FAIL_ON_TRUNCATED);
-  };
-  if (path == "-") return openSource(STDIN_FILENO, options());
-  requireReadableFile(path);
-  if (vips_foreign_find_load(path.c_str()) == nullptr) {
-    vips_error_clear();
-    throw PictureError("is not a picture in a format that can be read here");
-  }
-  return VImage::new_from_file(path.c_str(), options());
-}
-
-VImage open(const std::string& path) {
-  VImage image = openLazily(path).copy();
+// The file's header; pixels are decoded as they are asked for, once and from top to bottom.
+VImage open(const PictureFile& file) {
+  if (file.format().kind == FormatKind::kPng) requireFewTexts(file);
+  VImage image = file.format()
+                     .load(file.source(), VImage::option()
+                                              ->set("access", VIPS_ACCESS_SEQUENTIAL)
+                                              ->set("fail_on", VIPS_FAIL_ON_TRUNCATED))
+                     .copy();
   // libvips forgets a worker's error when another worker has meanwhile come to the picture's end:
   // the damaged part would be black, and all seem well. So one worker decodes.
   image.set(VIPS_META_CONCURRENCY, 1);
   return image;
+}
+
+Size sizeOf(const VImage& image) {
+  return {static_cast<unsigned>(image.width()), static_cast<unsigned>(image.height())};
+}
+
+// Masks and textures may be small; a header's word alone shall not take all memory.
+void requireDecodableSize(const VImage& image) {
+  const Size size = sizeOf(image);
+  if (std::max(size.width, size.height) <= LUMORA_LONGEST_SIDE) return;
+  throw PictureError(text("is ", size.width, " x ", size.height, " pixels; at most ",
+                          LUMORA_LONGEST_SIDE, " on either side can be read"));
 }
 
 // Turning needs rows in another order than the file has them.
@@ -80,184 +48,110 @@ VImage turnUpright(const VImage& image) {
   return vips_image_get_orientation(image.get_image()) > 1 ? image.copy_memory().autorot() : image;
 }
 
-bool isRgb(const VImage& image) {
-  const VipsInterpretation i = image.interpretation();
-  return i == VIPS_INTERPRETATION_sRGB || i == VIPS_INTERPRETATION_RGB ||
-         i == VIPS_INTERPRETATION_RGB16;
-}
-
-VImage toRgb(const VImage& image) {
-  if (isRgb(image)) {
-    // Sixteen bits shrink to the upper eight.
-    const bool wide = image.interpretation() == VIPS_INTERPRETATION_RGB16;
-    return image.cast(VIPS_FORMAT_UCHAR, VImage::option()->set("shift", wide));
-  }
-  if (image.get_typeof(VIPS_META_ICC_NAME) != 0) {
-    return image.icc_transform("srgb", VImage::option()
-                                           ->set("embedded", true)
-                                           ->set("intent", VIPS_INTENT_RELATIVE)
-                                           ->set("black_point_compensation", true));
-  }
-  return image.colourspace(VIPS_INTERPRETATION_sRGB).cast(VIPS_FORMAT_UCHAR);
-}
-
-bool isKept(std::string_view field) {
-  constexpr std::string_view kExact[] = {VIPS_META_EXIF_NAME, VIPS_META_XMP_NAME,
-                                         VIPS_META_IPTC_NAME, VIPS_META_ICC_NAME,
-                                         VIPS_META_RESOLUTION_UNIT};
-  return field.starts_with("exif-") || field.starts_with("png-comment-") ||
-         std::find(std::begin(kExact), std::end(kExact), field) != std::end(kExact);
-}
-
-void copyFields(const VImage& from, VImage& to, bool (*wanted)(std::string_view field)) {
-  char** const fields = vips_image_get_fields(from.get_image());
-  for (char** field = fields; *field != nullptr; ++field) {
-    GValue value = G_VALUE_INIT;
-    if (!wanted(*field) || vips_image_get(from.get_image(), *field, &value) != 0) continue;
-    vips_image_set(to.get_image(), *field, &value);
-    g_value_unset(&value);
-  }
-  g_strfreev(fields);
-}
-
-// A single pixel that carries the picture's metadata, without holding on to its file.
-VImage metadataOf(const VImage& image) {
-  VImage carrier = VImage::black(1, 1).copy(
-      VImage::option()->set("xres", image.xres())->set("yres", image.yres()));
-  copyFields(image, carrier, [](std::string_view f) { return isKept(f) || f == kThumbnailField; });
-  return carrier;
-}
-
-// The file's own thumbnail shows the picture as it was.
-void renewThumbnail(VImage& image) {
-  VImage small = image.thumbnail_image(160, VImage::option()->set("height", 160));
-  if (small.has_alpha()) small = small.flatten(VImage::option()->set("background", 255));
-  VipsBlob* jpeg = small.jpegsave_buffer(VImage::option()->set("Q", 75)->set("strip", true));
+host::Mask readMask(const PictureFile& file) {
+  const VImage image = open(file);
+  requireDecodableSize(image);
+  const VImage rgb = turnUpright(toRgb(image).image);
+  const VImage levels = rgb.extract_band(0, VImage::option()->set("n", 3)).bandor();
   std::size_t bytes = 0;
-  const void* data = vips_blob_get(jpeg, &bytes);
-  vips_image_set_blob_copy(image.get_image(), kThumbnailField, data, bytes);
-  vips_area_unref(VIPS_AREA(jpeg));
+  const VipsBytes samples(static_cast<std::uint8_t*>(levels.write_to_memory(&bytes)));
+  return {{samples.get(), samples.get() + bytes}, levels.width(), levels.height()};
 }
 
-Mask readMask(const std::string& path) {
-  const VImage grey = turnUpright(open(path))
-                          .colourspace(VIPS_INTERPRETATION_B_W)
-                          .cast(VIPS_FORMAT_UCHAR)
-                          .extract_band(0);
-  std::size_t bytes = 0;
-  const VipsBytes samples(static_cast<std::uint8_t*>(grey.write_to_memory(&bytes)));
-  return {{samples.get(), samples.get() + bytes}, grey.width(), grey.height()};
+VImage encodable(const VImage& picture, const Metadata& metadata, const Format& format) {
+  VImage image = picture.copy(VImage::option()
+                                  ->set("xres", metadata.horizontalResolution)
+                                  ->set("yres", metadata.verticalResolution));
+  setMetadata(image, metadata, format);
+  if (!image.has_alpha() || format.hasAlpha) return image;
+  return image.flatten(VImage::option()->set("background", 255));
 }
 
 }  // namespace
 
-void requireReadableFile(const std::string& path) {
-  struct stat status;
-  if (::stat(path.c_str(), &status) != 0) {
-    throw PictureError(errno == ENOENT ? "there is no such file" : std::strerror(errno));
+VImage toRgba(const VImage& image) {
+  const VImage rgba = image.bands() == 4 ? image : image.bandjoin(255);
+  std::size_t bytes = 0;
+  VipsBytes pixels(static_cast<std::uint8_t*>(rgba.write_to_memory(&bytes)));
+  if (bytes != std::size_t{4} * rgba.width() * rgba.height()) {
+    throw PictureError("cannot be brought to red, green, blue and alpha of eight bits");
   }
-  if (S_ISDIR(status.st_mode)) throw PictureError("is a folder, not a picture");
-  if (::access(path.c_str(), R_OK) != 0) throw PictureError(std::strerror(errno));
-  if (S_ISREG(status.st_mode) && status.st_size == 0) throw PictureError("is empty");
+  return VImage::new_from_memory_steal(pixels.release(), bytes, rgba.width(), rgba.height(), 4,
+                                       VIPS_FORMAT_UCHAR);
+}
+
+FilterImage pixelsOf(const VImage& rgba) {
+  const Size size = sizeOf(rgba);
+  return {LUMORA_FORMAT_RGBA, static_cast<std::uint8_t*>(const_cast<void*>(rgba.data())),
+          size.width, size.height, static_cast<std::int32_t>(4 * size.width)};
+}
+
+VImage fromRgba(const VImage& rgba, bool withAlpha) {
+  const VImage image = withAlpha ? rgba : rgba.extract_band(0, VImage::option()->set("n", 3));
+  return image.copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
+}
+
+std::vector<std::uint8_t> encode(const VImage& image, const Metadata& metadata,
+                                 const std::string& suffix, int quality) {
+  const Format& format = *findWrittenFormat(suffix);
+  std::string options = format.saverOptions;
+  if (format.hasQuality) options += text(options.empty() ? "" : ",", "Q=", quality);
+  return explaining(text("cannot be written as ", suffix), [&] {
+    void* encoded = nullptr;
+    std::size_t bytes = 0;
+    encodable(image, metadata, format)
+        .write_to_buffer(text(format.suffixes.front(), '[', options, ']').c_str(), &encoded,
+                         &bytes);
+    const VipsBytes owner(static_cast<std::uint8_t*>(encoded));
+    std::vector<std::uint8_t> file(owner.get(), owner.get() + bytes);
+    finishMetadata(file, metadata, format);
+    return file;
+  });
 }
 
 VImage readImage(const std::string& path) {
-  return explaining(kUnreadable, [&] { return toRgb(turnUpright(open(path))); });
+  const PictureFile file(path);
+  return explaining(kUnreadable, [&] {
+    const VImage image = open(file);
+    requireDecodableSize(image);
+    return turnUpright(toRgb(image).image);
+  });
 }
 
-Photograph Photograph::read(const std::string& path) {
-  return explaining(kUnreadable, [&] { return Photograph(toRgb(turnUpright(open(path)))); });
+Photograph Photograph::read(const std::string& path, ProfileUse use) {
+  const PictureFile file(path);
+  return explaining(kUnreadable, [&] {
+    const VImage image = open(file);
+    requirePictureSize(sizeOf(image));
+    const Rgb rgb = toRgb(image, use);
+    Metadata metadata = readMetadata(image, rgb.image, file);
+    metadata.lostProfile = rgb.lostProfile;
+    return Photograph(turnUpright(rgb.image), std::move(metadata), file.format());
+  });
 }
 
-Photograph Photograph::fromPixels(const std::vector<std::uint8_t>& pixels, Size size) {
-  const VImage image = VImage::new_from_memory(const_cast<std::uint8_t*>(pixels.data()),
-                                               pixels.size(), static_cast<int>(size.width),
-                                               static_cast<int>(size.height), 4, VIPS_FORMAT_UCHAR)
-                           .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
-  return Photograph(image.extract_band(0, VImage::option()->set("n", 3)));
+Photograph::Photograph(const VImage& upright, Metadata metadata, const Format& format)
+    : format_(&format), hasAlpha_(upright.bands() == 4), metadata_(std::move(metadata)) {
+  requirePictureSize(sizeOf(upright));
+  rgba_ = toRgba(upright);
 }
 
-Photograph::Photograph(const VImage& upright)
-    : size_{static_cast<unsigned>(upright.width()), static_cast<unsigned>(upright.height())} {
-  requirePictureSize(size_);
-  VImage image = upright;
-  metadata_ = metadataOf(image);
-  hasAlpha_ = image.has_alpha();
-  if (!hasAlpha_) image = image.bandjoin(255);
-  std::size_t bytes = 0;
-  pixels_.reset(static_cast<std::uint8_t*>(image.write_to_memory(&bytes)));
-}
-
-FilterImage Photograph::image() {
-  return {LUMORA_FORMAT_RGBA, pixels_.get(), size_.width, size_.height,
-          static_cast<std::int32_t>(4 * size_.width)};
-}
-
-VImage Photograph::withMetadata() const {
-  const auto width = static_cast<int>(size_.width);
-  const auto height = static_cast<int>(size_.height);
-  const std::size_t bytes = std::size_t{4} * size_.width * size_.height;
-  VImage image = VImage::new_from_memory(pixels_.get(), bytes, width, height, 4, VIPS_FORMAT_UCHAR);
-  if (!hasAlpha_) image = image.extract_band(0, VImage::option()->set("n", 3));
-  image = image.copy(VImage::option()
-                         ->set("interpretation", VIPS_INTERPRETATION_sRGB)
-                         ->set("xres", metadata_.xres())
-                         ->set("yres", metadata_.yres()));
-  copyFields(metadata_, image, isKept);
-  image.set(VIPS_META_ORIENTATION, 1);
-  if (metadata_.get_typeof(kThumbnailField) != 0) renewThumbnail(image);
-  return image;
+std::string Photograph::lossIn(const std::string& suffix) const {
+  return tool::lossIn(metadata_, *findWrittenFormat(suffix));
 }
 
 std::vector<std::uint8_t> Photograph::encode(const std::string& suffix, int quality) const {
-  const Format* format = findFormat(suffix);
-  std::string options = format->options;
-  if (format->hasQuality) options += text(options.empty() ? "" : ",", "Q=", quality);
-  return explaining(text("cannot be written as ", format->suffix), [&] {
-    VImage image = withMetadata();
-    if (image.has_alpha() && !format->hasAlpha) {
-      image = image.flatten(VImage::option()->set("background", 255));
-    }
-    void* encoded = nullptr;
-    std::size_t bytes = 0;
-    image.write_to_buffer(text(format->suffix, '[', options, ']').c_str(), &encoded, &bytes);
-    const VipsBytes owner(static_cast<std::uint8_t*>(encoded));
-    return std::vector<std::uint8_t>(owner.get(), owner.get() + bytes);
-  });
+  return tool::encode(fromRgba(rgba_, hasAlpha_), metadata_, suffix, quality);
 }
 
 void loadMask(LookSettings& settings) {
   if (settings.maskFile.empty()) return;
   try {
-    settings.mask = explaining(kUnreadable, [&] { return readMask(settings.maskFile); });
+    const PictureFile file(settings.maskFile);
+    settings.values.mask = explaining(kUnreadable, [&] { return readMask(file); });
   } catch (const PictureError& error) {
     throw PictureError(text(settings.maskFile, ": ", error.what()));
   }
-}
-
-std::string writableSuffixes() {
-  std::string all;
-  for (const Format& format : kFormats) all += text(all.empty() ? "" : ", ", format.suffix);
-  return all;
-}
-
-bool isWritableSuffix(const std::string& suffix) { return findFormat(suffix) != nullptr; }
-
-std::string requireWritableName(const std::string& path) {
-  std::error_code missing;
-  if (std::filesystem::is_directory(path, missing)) {
-    throw UsageError(text(path, ": is a folder; name the picture to write in it"));
-  }
-  const std::string suffix = lowerCase(std::filesystem::path(path).extension().string());
-  if (isWritableSuffix(suffix)) return suffix;
-  throw UsageError(text(path, ": its name must end in one of ", writableSuffixes()));
-}
-
-bool isPictureSuffix(const std::string& suffix) {
-  constexpr std::string_view kReadOnly[] = {".jpe", ".jfif", ".gif", ".heif", ".jxl",
-                                            ".jp2", ".bmp",  ".ppm", ".pgm",  ".pnm"};
-  return isWritableSuffix(suffix) || std::find(std::begin(kReadOnly), std::end(kReadOnly),
-                                               lowerCase(suffix)) != std::end(kReadOnly);
 }
 
 }  // namespace lumora::tool

@@ -7,8 +7,11 @@
 #include <vector>
 #include <vips/vips8>
 
+#include "colours.h"
+#include "formats.h"
 #include "look_settings.h"
 #include "lumora/filters.h"
+#include "metadata.h"
 #include "words.h"
 
 namespace lumora::tool {
@@ -17,54 +20,56 @@ inline constexpr int kDefaultQuality = 92;
 
 // Bytes that libvips has allocated.
 struct VipsFree {
-  void operator()(std::uint8_t* bytes) const { g_free(bytes); }
+  void operator()(void* bytes) const { g_free(bytes); }
 };
 using VipsBytes = std::unique_ptr<std::uint8_t[], VipsFree>;
 
-// A picture as the looks want it: upright, eight bits, red, green, blue and alpha. Pictures in
-// other colour models than RGB are converted to sRGB; RGB ones keep their values and with them
-// their profile.
+// The pixels of an image of eight bits, with or without alpha, in memory of their own: packed red,
+// green, blue and alpha.
+vips::VImage toRgba(const vips::VImage& image);
+// The same pixels as looks take them, to be rewritten. Borrowed from the image.
+FilterImage pixelsOf(const vips::VImage& rgba);
+// Such pixels as an image again, sRGB with or without their alpha.
+vips::VImage fromRgba(const vips::VImage& rgba, bool withAlpha);
+
+// An image as a file of the format that the suffix (".jpg") names.
+std::vector<std::uint8_t> encode(const vips::VImage& image, const Metadata& metadata,
+                                 const std::string& suffix, int quality);
+
+// A picture as the looks want it: upright, eight bits, red, green, blue and alpha. In sRGB,
+// or with the profile that it had.
 class Photograph {
  public:
   // "-" reads standard input. Throws a PictureError without the file's name in it.
-  static Photograph read(const std::string& path);
+  static Photograph read(const std::string& path, ProfileUse use = ProfileUse::kToSrgb);
 
-  // Packed opaque RGBA.
-  static Photograph fromPixels(const std::vector<std::uint8_t>& pixels, Size size);
-
-  Size size() const { return size_; }
-  FilterImage image();
-  // The picture with its profile, EXIF, XMP and resolution as a file of the format that the suffix
-  // (".jpg") names.
+  FilterImage pixels() { return pixelsOf(rgba_); }
+  // Without alpha.
+  vips::VImage colours() const { return fromRgba(rgba_, false); }
+  // That it was read from.
+  const Format& format() const { return *format_; }
+  // Leaves no metadata that could hold a picture.
+  void strip() { stripMetadata(metadata_); }
+  // With the metadata that a file of the format can hold.
   std::vector<std::uint8_t> encode(const std::string& suffix, int quality) const;
+  // What such a file has lost against its original, as the rest of a sentence about the picture.
+  std::string lossIn(const std::string& suffix) const;
 
  private:
-  explicit Photograph(const vips::VImage& upright);
-  vips::VImage withMetadata() const;
+  Photograph(const vips::VImage& upright, Metadata metadata, const Format& format);
 
-  Size size_;
+  const Format* format_;
   bool hasAlpha_ = false;
-  vips::VImage metadata_;  // a carrier without pixels
-  VipsBytes pixels_;
+  Metadata metadata_;
+  vips::VImage rgba_;
 };
 
-// Throws a PictureError without the file's name in it.
-void requireReadableFile(const std::string& path);
-
-// A picture of any size, upright, eight bits, sRGB with or without alpha. Throws a PictureError
-// without the file's name in it.
+// A picture of any size up to the greatest, upright, eight bits, sRGB with or without alpha. Throws
+// a PictureError without the file's name in it.
 vips::VImage readImage(const std::string& path);
 
-// Reads the picture that the settings name as mask, if any, as grey levels. The image library must
-// have been started.
+// Reads the picture that the settings name as mask, if any, as levels that are zero where it is
+// black. The image library must have been started.
 void loadMask(LookSettings& settings);
-
-// The suffixes that encode() knows, for messages: ".jpg, .png, ..."
-std::string writableSuffixes();
-bool isWritableSuffix(const std::string& suffix);
-// The suffix of a picture to be written. Throws a UsageError that names the path.
-std::string requireWritableName(const std::string& path);
-// Whether files named so tend to be pictures: which ones to take from a folder.
-bool isPictureSuffix(const std::string& suffix);
 
 }  // namespace lumora::tool

@@ -7,18 +7,18 @@
 #include <filesystem>
 #include <vector>
 
+#include "config/xml_parser.h"
 #include "errors.h"
+#include "lumora/filters.h"
+#include "resources/resource_files.h"
+#include "resources/texture_pack.h"
 #include "temporary_files.h"
+#include "tuning_text/tuning_text.h"
 
 namespace lumora::tool {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr const char* kPackName = "mixIm.dat";
-constexpr const char* kTuningName = "filter.xml";
-constexpr std::uintmax_t kPackBytes = 11535852;
-constexpr std::size_t kLongestPrefix = 245;
 
 bool holdsPack(const fs::path& directory) {
   std::error_code error;
@@ -55,7 +55,13 @@ fs::path findDirectory(const std::string& asked) {
                            "one with --resources DIR. Looked in:", tried));
 }
 
-void requireTuning(const std::string& path) {
+void link(const fs::path& target, const fs::path& place) {
+  std::error_code error;
+  fs::create_symlink(fs::absolute(target), place, error);
+  if (error) throw ResourceError(text(place.string(), ": cannot be linked: ", error.message()));
+}
+
+void requireDocument(const std::string& path, const std::string& name) {
   std::error_code error;
   const char* reason = nullptr;
   if (!fs::exists(path, error)) {
@@ -64,17 +70,25 @@ void requireTuning(const std::string& path) {
     reason = "is not a file";
   } else if (::access(path.c_str(), R_OK) != 0) {
     reason = std::strerror(errno);
+  } else if (fs::file_size(path, error) > std::uintmax_t{kLargestDocument}) {
+    reason = "is longer than the 16 MiB that are read";
   }
-  if (reason) throw ResourceError(text(path, ": ", reason, "; --params takes a tuning document"));
-}
-
-void link(const fs::path& target, const fs::path& place) {
-  std::error_code error;
-  fs::create_symlink(fs::absolute(target), place, error);
-  if (error) throw ResourceError(text(place.string(), ": cannot be linked: ", error.message()));
+  if (reason) throw ResourceError(text(name, ": ", reason, "; a tuning document is needed"));
 }
 
 }  // namespace
+
+TuningReport readTuning(const std::string& path, const std::string& name) {
+  requireDocument(path, name);
+  FilterParams params;
+  TuningReport report;
+  const Status status = readFilterParams(params.bytes, path.c_str(), report);
+  if (status != Status::kOk) throw ResourceError(text(name, ": the path is too long"));
+  const bool isRead = keepsDocument(report.document.status);
+  if (isRead && report.hasConfig) return report;
+  throw ResourceError(text(name, ": ", isRead ? "has no element /Config" : describeDocument(report),
+                           "; every look would have its built-in values"));
+}
 
 OptionGroup resourceOptions(ResourceSettings& settings) {
   return {"Resources",
@@ -89,10 +103,10 @@ OptionGroup resourceOptions(ResourceSettings& settings) {
 
 Resources::Resources(const ResourceSettings& settings)
     : directory_(findDirectory(settings.directory)), prefix_(directory_ + "/") {
-  if (!settings.tuning.empty()) requireTuning(settings.tuning);
-  if (settings.tuning.empty() && prefix_.size() <= kLongestPrefix) return;
+  if (settings.tuning.empty() && prefix_.size() <= LUMORA_LONGEST_RESOURCE_DIR) return;
   const std::string own = directory_ + "/" + kTuningName;
   linkPrivately(settings.tuning.empty() ? own : settings.tuning);
+  if (!settings.tuning.empty()) readTuning(prefix_ + kTuningName, settings.tuning);
 }
 
 void Resources::linkPrivately(const std::string& tuning) {

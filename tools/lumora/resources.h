@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "config/filter_params.h"
 #include "options.h"
 
 namespace lumora::tool {
@@ -12,6 +13,10 @@ struct ResourceSettings {
   std::string directory;  // --resources; empty: found by itself
   std::string tuning;     // --params; empty: the directory's own filter.xml
 };
+
+// What becomes of a tuning document that somebody names. Throws a ResourceError for one that the
+// library would ignore. `name` is what the errors call it.
+TuningReport readTuning(const std::string& path, const std::string& name);
 
 OptionGroup resourceOptions(ResourceSettings& settings);
 

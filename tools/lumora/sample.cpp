@@ -2,6 +2,7 @@
 #include "commands.h"
 #include "errors.h"
 #include "filter.h"
+#include "formats.h"
 #include "image_library.h"
 #include "options.h"
 #include "output.h"
@@ -12,12 +13,14 @@ namespace lumora::tool {
 
 int sampleCommand(int argc, char** argv) {
   Size size{1600, 1200};
+  bool force = false;
   const auto operands = readCommandLine(
-      {"lumora sample [--size WxH] OUT",
+      {"lumora sample [--size WxH] [--force] OUT",
        "Draws the sample scene, a lake on a summer afternoon: a picture to try the looks on.\n",
        {{"Options",
          {{"size", 0, "WxH", "pixels; default 1600x1200",
-           [&size](const std::string& v) { size = parseSize(v); }}}}},
+           [&size](const std::string& v) { size = parseSize(v); }},
+          forceOption(force)}}},
        "  lumora sample scene.jpg\n"},
       argc, argv);
   if (!operands) return kExitDone;
@@ -27,11 +30,13 @@ int sampleCommand(int argc, char** argv) {
   requirePictureSize(size);
 
   startImageLibrary(argv[0], false);
-  const Photograph scene = Photograph::fromPixels(drawSampleScene(size), size);
-  Output output(path);
-  const std::vector<std::uint8_t> file = scene.encode(suffix, kDefaultQuality);
-  output.write(file.data(), file.size());
-  output.commit();
+  Output output(path, {.force = force});
+  std::vector<std::uint8_t> scene = drawSampleScene(size);
+  const auto rgba =
+      vips::VImage::new_from_memory(scene.data(), scene.size(), static_cast<int>(size.width),
+                                    static_cast<int>(size.height), 4, VIPS_FORMAT_UCHAR);
+  const std::vector<std::uint8_t> file = encode(fromRgba(rgba, false), {}, suffix, kDefaultQuality);
+  output.finish(file.data(), file.size());
   return kExitDone;
 }
 

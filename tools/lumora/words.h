@@ -6,12 +6,11 @@
 #include <string_view>
 #include <vector>
 
+#include "host/session.h"
+
 namespace lumora::tool {
 
-struct Size {
-  unsigned width = 0;
-  unsigned height = 0;
-};
+using host::Size;
 
 std::string lowerCase(std::string_view word);
 

@@ -88,7 +88,7 @@ void layHouses(Rgb& colour, double x, double y) {
   const auto index = floorOf(place);
   if (index < 0 || index >= static_cast<int>(kPaints.size()) || y < 540 || y > kShore + 4) return;
   const double dx = (place - index - 0.5) * kPitch;
-  const double eaves = 596 - 10 * random01(index, 0, 31);
+  const double eaves = 596 - 10 * paint::uniform(index, 0, 31);
   const double half = 27;
   const Rgb paint = kPaints[static_cast<std::size_t>(index)];
 

@@ -107,10 +107,10 @@ void layFlowers(Rgb& colour, double x, double y, double edge) {
   const auto cx = floorOf(x / cell);
   const auto cy = floorOf(y / cell);
   const double patch = noise(x * 0.006, y * 0.012, 71);
-  if (random01(cx, cy, 72) > ramp(0.36, 0.72, patch) * 0.62 || near < 0.05) return;
-  const double dx = x - (cx + 0.3 + 0.4 * random01(cx, cy, 73)) * cell;
-  const double dy = y - (cy + 0.3 + 0.4 * random01(cx, cy, 74)) * cell;
-  const double radius = cell * (0.13 + 0.12 * random01(cx, cy, 75));
+  if (paint::uniform(cx, cy, 72) > ramp(0.36, 0.72, patch) * 0.62 || near < 0.05) return;
+  const double dx = x - (cx + 0.3 + 0.4 * paint::uniform(cx, cy, 73)) * cell;
+  const double dy = y - (cy + 0.3 + 0.4 * paint::uniform(cx, cy, 74)) * cell;
+  const double radius = cell * (0.13 + 0.12 * paint::uniform(cx, cy, 75));
   const Rgb petals = kPetals[hash(cx, cy, 76) % kPetals.size()];
   const double flower = distance(dx, dy * 1.35) - radius;
   lay(colour, petals * (1.02 - 0.35 * clamp01(0.5 + dy / radius)), flower);
@@ -178,7 +178,7 @@ std::vector<std::uint8_t> drawSampleScene(Size size) {
       const Rgb colour = sceneAt(x, y);
       const auto c = static_cast<std::int32_t>(column);
       const auto r = static_cast<std::int32_t>(row);
-      const double grain = random01(c, r, 91) + random01(c, r, 92) - 1;
+      const double grain = paint::uniform(c, r, 91) + paint::uniform(c, r, 92) - 1;
       for (const double value : {colour.r, colour.g, colour.b}) {
         pixels.push_back(toByte(value, 1.6 * grain));
       }
