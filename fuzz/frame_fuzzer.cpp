@@ -11,6 +11,7 @@
 #include "fuzz_check.h"
 #include "host_values.h"
 #include "resources/pack_directory.h"
+#include "workers.h"
 
 namespace lumora::fuzz {
 namespace {
@@ -45,8 +46,8 @@ std::string list(FuzzedDataProvider& in, int count) {
 }
 
 // An option's value, or text in its place. Nothing here names a file.
-std::string value(FuzzedDataProvider& in, const std::string& sensible) {
-  return oneIn(in, 8) ? in.ConsumeRandomLengthString(12) : sensible;
+std::string value(FuzzedDataProvider& in, const std::string& sensible, std::size_t longest = 12) {
+  return oneIn(in, 8) ? in.ConsumeRandomLengthString(longest) : sensible;
 }
 
 std::vector<std::string> anyArguments(FuzzedDataProvider& in) {
@@ -64,12 +65,12 @@ std::vector<std::string> anyArguments(FuzzedDataProvider& in) {
       std::to_string(size.width) + "x" + std::to_string(size.height),
       "--resources",
       folder.path()};
-  const auto add = [&](const char* name, const std::string& sensible) {
-    arguments.insert(arguments.end(), {name, value(in, sensible)});
+  const auto add = [&](const char* name, const std::string& sensible, std::size_t longest = 12) {
+    arguments.insert(arguments.end(), {name, value(in, sensible, longest)});
   };
   while (in.ConsumeBool() && arguments.size() < 30) {
     switch (in.ConsumeIntegralInRange(0, 10)) {
-      case 0: add("--stride", std::to_string(size.stride)); break;
+      case 0: add("--stride", std::to_string(size.stride), 4); break;  // frames of megabytes
       case 1: add("--strength", list(in, 1)); break;
       case 2: add("--direction", list(in, 1)); break;
       case 3: arguments.emplace_back("--single-thread"); break;
@@ -107,6 +108,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   using namespace lumora::fuzz;
   namespace fs = std::filesystem;
   FuzzedDataProvider in(data, size);
+  const Workers workers(rarely(in, 32));
   std::vector<std::string> arguments = anyArguments(in);
   // Few bytes make many: the rest of the input, and zeros behind it.
   const auto frames = in.ConsumeIntegralInRange<std::size_t>(0, 60'000);

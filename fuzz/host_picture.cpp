@@ -6,8 +6,8 @@ namespace lumora::fuzz {
 namespace {
 
 // Larger pictures only cost time.
-constexpr std::uint64_t kMostPixels = 300'000;
-constexpr std::uint64_t kMostBytes = 4'000'000;
+constexpr std::uint64_t kMostPixels = 135'000;
+constexpr std::uint64_t kMostBytes = 600'000;
 
 std::int64_t rowBytes(const FilterImage& image) {
   return std::int64_t{image.width} * (image.eFormat == LUMORA_FORMAT_RGBA ? 4 : 1);

@@ -11,6 +11,12 @@ inline bool oneIn(FuzzedDataProvider& in, int count) {
   return in.ConsumeIntegralInRange(0, count - 1) == 0;
 }
 
+// For what takes long: never where the input has come to its end, as the function above says yes
+// to.
+inline bool rarely(FuzzedDataProvider& in, int count) {
+  return in.ConsumeIntegralInRange(1, count) == count;
+}
+
 template <class T>
 T anyNumber(FuzzedDataProvider& in) {
   static constexpr std::int64_t kNotable[] = {

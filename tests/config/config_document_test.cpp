@@ -6,8 +6,8 @@
 
 #include "config/config_support.h"
 #include "config/number_reference.h"
-#include "config/tuning_text.h"
-#include "platform/regular_file.h"
+#include "support/file_faults.h"
+#include "tuning_text/tuning_text.h"
 
 namespace lumora::test {
 namespace {
@@ -123,21 +123,17 @@ TEST(ConfigDocument, TakesTheLastGuessedEncodingWhereNoneCanBeGuessed) {
   }
 }
 
-int stepsUntilFault;
-bool failOneStep(RegularFile::Step) { return stepsUntilFault-- == 0; }
-
 TEST(ConfigDocument, TreatsAFailingReadAsABadFile) {
   const TemporaryFile file(paddedTo(200, "<?xml?><Config/>"));
-  RegularFile::setFault(failOneStep);
+  FileFaults faults;
   int step = 0;
   // Open and read for the guess, then open, seek, position, seek and read; then nothing fails.
   for (const int status : {0, 3, 10, 3, 3, 3, 3, 0}) {
-    stepsUntilFault = step++;
+    faults.failAt(++step);
     ConfigDocument document;
     EXPECT_TRUE(document.load(file.path()));
     EXPECT_EQ(static_cast<int>(document.fileOutcome().status), status) << "step " << step;
   }
-  RegularFile::setFault(nullptr);
 }
 
 // Three pieces in every order, alone and before further numbers.

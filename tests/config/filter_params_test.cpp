@@ -7,9 +7,9 @@
 
 #include "config/config_support.h"
 #include "config/sound_params.h"
-#include "config/tuning_text.h"
 #include "support/captured_log.h"
 #include "support/test_picture.h"
+#include "tuning_text/tuning_text.h"
 
 namespace lumora::test {
 namespace {

@@ -1,5 +1,5 @@
 // Colour fix against its formulas in plain single precision.
-#include "effects/colour_fix.h"
+#include "effects/colour_fix/colour_fix.h"
 
 #include <gtest/gtest.h>
 
@@ -7,9 +7,9 @@
 #include <bit>
 #include <cmath>
 
-#include "effects/reciprocal_estimate.h"
+#include "effects/colour_fix/reciprocal_estimate.h"
 #include "pipeline/dispatch.h"
-#include "pipeline/stripe_runner.h"
+#include "platform/stripe_runner.h"
 #include "support/captured_log.h"
 #include "support/everywhere.h"
 #include "support/test_handle.h"
@@ -189,8 +189,7 @@ FixColorParam paramOf(const Settings& s, const Mask* mask = nullptr) {
 
 Status runFix(const Picture& picture, const FixColorParam& param, Threads threads) {
   GuardedBuffer work(static_cast<std::size_t>(colourFixBytes(picture, param)));
-  return (threads == Threads::kFour ? FilterFixColor_multiThread : FilterFixColor_RGBA)(
-      picture, param, work.data());
+  return FilterFixColor(picture, param, work.data(), threads);
 }
 
 // The two forms differ: each of the four stripes stretches its own share of the mask.
@@ -359,9 +358,18 @@ TEST_F(ColourFixCall, NeedsRgbaAndItsRecord) {
   for (const auto& [format, param] : cases) {
     for (const Threads threads : kBothThreads) {
       const TestPicture picture(format, 96, 88), before(picture);
-      const Call call{
-          picture.view(), handle_.view(), LUMORA_MODE_COLOUR_FIX, 0, 16, {}, 0, threads, nullptr,
-          nullptr,        param};
+      const Call call{.picture = picture.view(),
+                      .handle = handle_.view(),
+                      .mode = LUMORA_MODE_COLOUR_FIX,
+                      .direction = 0,
+                      .ratio = LUMORA_FULL_STRENGTH,
+                      .rect = {},
+                      .mosaicSize = 0,
+                      .threads = threads,
+                      .copy = nullptr,
+                      .blur = nullptr,
+                      .tiltShift = nullptr,
+                      .fixColour = param};
       const CapturedLog log;
       EXPECT_EQ(dispatch(call), Status::kBadArgument);
       EXPECT_EQ(log.errors(),

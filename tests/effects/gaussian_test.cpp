@@ -1,5 +1,5 @@
 // The recursive Gaussian: its coefficients, and its bytes against the plain recursion.
-#include "effects/gaussian.h"
+#include "effects/smoothing/gaussian.h"
 
 #include <gtest/gtest.h>
 

@@ -32,7 +32,7 @@ void referenceGlow(const Picture& picture, int ratio) {
 }
 
 Status curveStage(const Picture& picture, int ratio) {
-  return runLook(kMeishimenghuan(), picture, {nullptr, nullptr, ratio}, Threads::kCaller);
+  return runLook(kMeishimenghuan(), picture, {{}, nullptr, ratio}, Threads::kCaller);
 }
 
 void expectPlainSteps(PixelFormat format, int width, int height, int ratio) {

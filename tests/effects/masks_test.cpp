@@ -1,5 +1,5 @@
 // The focus masks against direct evaluation at every pixel, for any integers a host may pass.
-#include "effects/masks.h"
+#include "effects/masks/masks.h"
 
 #include <gtest/gtest.h>
 

@@ -1,13 +1,17 @@
 // The mosaic against block means by brute force.
-#include "effects/mosaic.h"
+#include "effects/mosaic/mosaic.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
+#include "platform/stripe_runner.h"
+#include "support/captured_log.h"
 #include "support/everywhere.h"
 #include "support/test_allocator.h"
+#include "support/thread_faults.h"
 
 namespace lumora::test {
 namespace {
@@ -63,18 +67,21 @@ void referenceMosaic(const TestPicture& test, const MosaicRect& rect, int size) 
   }
 }
 
-Status runMosaic(const Picture& picture, const MosaicRect& rect, int size, Threads threads) {
+// With the n-th request for memory refused; 0 for none.
+void runMosaic(const Picture& picture, const MosaicRect& rect, int size, Threads threads,
+               int failingRequest = 0, int weight = 16) {
   TestAllocator allocator;
-  const Status status = FilterMosaic(picture, rect, size, *allocator.record(), threads);
+  allocator.failAt(failingRequest);
+  FilterMosaic(picture, rect, size, weight, *allocator.record(), threads);
   EXPECT_TRUE(allocator.balanced());
-  return status;
 }
 
 void expectMosaic(const TestPicture& picture, const MosaicRect& rect, int size,
                   const TestPicture& expected) {
   SCOPED_TRACE(testing::Message() << "blocks of " << size);
   expectEverywhere(picture, expected, [&](const Picture& copy, Threads threads) {
-    return runMosaic(copy, rect, size, threads);
+    runMosaic(copy, rect, size, threads);
+    return Status::kOk;
   });
 }
 
@@ -115,12 +122,12 @@ TEST(Mosaic, FillsEveryBlockOfEverySizeWithItsMean) {
   }
 }
 
-// More rows than a 16-bit sum holds, in one stripe and across stripes.
-TEST(Mosaic, SumsTallBlocks) {
+// More rows than a 16-bit sum holds, and rows of several strips.
+TEST(Mosaic, SumsTallAndWideBlocks) {
   for (const PixelFormat format : kFormats) {
-    for (const int size : {258, 600, 255, 256, 257, 259, 515, 1099}) {
+    for (const int size : {258, 600, 11, 255, 256, 257, 259, 515, 1099}) {
       expectBlocks(format, 1100, 1400, {0, 2, 1100, 1400}, size);
-      if (kReduced && size == 600) break;
+      if (kReduced && size == 11) break;
     }
   }
 }
@@ -130,6 +137,57 @@ TEST(Mosaic, KeepsTheBrightestPictureBright) {
     TestPicture white(format, 2000, 2000);
     white.fill(255, 255, 255);
     for (const int size : {16, 1999, 2000}) expectMosaic(white, {0, 0, 2000, 2000}, size, white);
+  }
+}
+
+using Messages = std::vector<std::string>;
+
+// Blocks of every remainder, more and fewer of them than workers.
+constexpr int kSizes[] = {8, 11, 13, 19, 30, 59};
+constexpr MosaicRect kRect = {14, 2, 92, 84};
+
+template <class Work>
+void expectMadeAllTheSame(const Messages& messages, Work work) {
+  for (const PixelFormat format : kFormats) {
+    for (const int size : kSizes) {
+      for (const int weight : {16, 11}) {
+        SCOPED_TRACE(testing::Message()
+                     << formatName(format) << ", blocks of " << size << ", weight " << weight);
+        const TestPicture picture(format, 96, 90, 5, 3);
+        TestPicture expected(picture);
+        referenceMosaic(expected, kRect, size);
+        expected.mixIn(picture, weight);
+        const CapturedLog log;
+        work(picture.view(), size, weight);
+        EXPECT_EQ(picture.difference(expected), kNone);
+        EXPECT_EQ(log.errors(), messages);
+      }
+    }
+  }
+}
+
+TEST(Mosaic, IsMadeWithoutTheMemoryItAskedFor) {
+  for (const Threads threads : kBothThreads) {
+    for (const int request : {1, 2}) {
+      expectMadeAllTheSame({"[%s] can't malloc enough memory!\n"},
+                           [&](const Picture& p, int size, int weight) {
+                             const ThreadFaults none(0);
+                             runMosaic(p, kRect, size, threads, request, weight);
+                             EXPECT_EQ(ThreadFaults::startCount(), 0);
+                           });
+    }
+  }
+}
+
+TEST(Mosaic, IsMadeWhicheverWorkersAreMissing) {
+  for (unsigned missing = 1; missing < 1u << kStripeCount; ++missing) {
+    Messages messages = {"[%s] pthread_create error!\n"};
+    messages.resize(1 + std::popcount(missing), "[%s]  Error threadID = %d!");
+    messages.emplace_back("[%s] IntegralMat_multi return error!\n");
+    expectMadeAllTheSame(messages, [&](const Picture& p, int size, int weight) {
+      const ThreadFaults faults(missing);
+      runMosaic(p, kRect, size, Threads::kFour, 0, weight);
+    });
   }
 }
 

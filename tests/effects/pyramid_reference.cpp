@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "effects/gaussian.h"
+#include "effects/smoothing/gaussian.h"
 
 namespace lumora::test {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "effects/planar_image.h"
+#include "effects/pyramid/planar_image.h"
 #include "support/test_picture.h"
 
 namespace lumora::test {

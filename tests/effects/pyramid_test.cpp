@@ -1,11 +1,11 @@
 // The steps of the pyramid against the plain ones, at every vector level and thread count.
 #include <gtest/gtest.h>
 
-#include "effects/binomial_blur.h"
-#include "effects/down_sample.h"
-#include "effects/pyramid_memory.h"
+#include "effects/pyramid/down_sample.h"
+#include "effects/pyramid/pyramid_memory.h"
+#include "effects/pyramid/up_scale.h"
 #include "effects/pyramid_reference.h"
-#include "effects/up_scale.h"
+#include "effects/smoothing/binomial_blur.h"
 #include "support/everywhere.h"
 
 namespace lumora::test {

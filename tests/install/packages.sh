@@ -43,6 +43,25 @@ if [[ -e $(package lumora) ]]; then
   dependsOn lumora "$library (= "
   dependsOn lumora libvips
 fi
+if [[ -e $(package python3-lumora) ]]; then
+  packages+=(python3-lumora)
+  holds python3-lumora 'usr/lib/python3/dist-packages/lumora/_core\.abi3\.so' \
+    'usr/lib/python3/dist-packages/lumora/py\.typed'
+  dependsOn python3-lumora "$library (= "
+  dependsOn python3-lumora python3
+fi
+if [[ -e $(package lumora-frei0r) ]]; then
+  packages+=(lumora-frei0r)
+  holds lumora-frei0r usr/lib/frei0r-1/lumora_fugu.so usr/lib/frei0r-1/lumora_tilt_shift.so
+  dependsOn lumora-frei0r "$library (= "
+fi
+if [[ -e $(package gstreamer1.0-lumora) ]]; then
+  packages+=(gstreamer1.0-lumora)
+  holds gstreamer1.0-lumora 'usr/lib/.*gstreamer-1.0/libgstlumora.so' \
+    usr/share/gnome-video-effects/lumora-fugu.effect
+  dependsOn gstreamer1.0-lumora "$library (= "
+  dependsOn gstreamer1.0-lumora libgstreamer-plugins-base1.0-0
+fi
 
 twice=$(for name in "${packages[@]}"; do filesOf "$name"; done | sort | uniq -d)
 [[ -z $twice ]] || { echo "in two packages: $twice"; exit 1; }

@@ -27,14 +27,14 @@ flags=$(pkg-config --cflags --libs lumora_filters)
 "$cc" "$source/consumer.c" -o "$work/direct" $flags
 resources=$(pkg-config --variable=resourcedir lumora_filters)
 libdir=$(pkg-config --variable=libdir lumora_filters)
-LD_LIBRARY_PATH=$libdir "$work/direct" "$resources/"
+LD_LIBRARY_PATH=$libdir "$work/direct" "$resources"
 
 echo "== the static library through pkg-config"
 flags=$(pkg-config --cflags --static --libs lumora_filters)
 # shellcheck disable=SC2086
 "$cc" "$source/consumer.c" -o "$work/direct_static" \
   ${flags/-llumora_filters/-l:liblumora_filters.a}
-"$work/direct_static" "$resources/"
+"$work/direct_static" "$resources"
 
 if [[ -x $prefix/bin/lumora ]]; then
   echo "== the tool finds the installed resources"

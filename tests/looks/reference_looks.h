@@ -19,6 +19,7 @@ struct ReferenceLook {
   const Look& (*look)();
   PixelFunction (*pixelFunction)(const ReferenceTuning& tuning);
   ReferenceConversion conversion = {};
+  bool isMixed = true;  // with the picture as it was, below the full strength
 };
 
 std::span<const ReferenceLook> referenceLooks();

@@ -289,16 +289,13 @@ TEST_F(Strength, BlendsTheLookWithTheUntouchedPicture) {
     if (!isBlended(call.mode)) continue;
     for (const int strength : {0, 5, 15}) {
       SCOPED_TRACE(testing::Message() << modeName(call) << " at " << strength);
-      const TestPicture untouched(call.format, 90, 88, 9), full(untouched), weak(untouched);
+      const TestPicture untouched(call.format, 90, 88, 9), weak(untouched);
+      TestPicture full(untouched);
       call.strength = 16;
       ASSERT_EQ(run(call, handle.get(), full.image()), 0u);
       call.strength = strength;
       ASSERT_EQ(run(call, handle.get(), weak.image()), 0u);
-      const int weight = strength / 2 + 8;
-      for (std::size_t i = 0; i < full.bytes(); ++i) {
-        full.data()[i] =
-            toByte((untouched.data()[i] * (16 - weight) + full.data()[i] * weight + 8) >> 4);
-      }
+      full.mixIn(untouched, strength / 2 + 8);
       EXPECT_EQ(weak.difference(full), kNone);
       const TestPicture single(untouched);
       FilterAlbumParam param = paramFor(call, {90, 88});
@@ -308,6 +305,27 @@ TEST_F(Strength, BlendsTheLookWithTheUntouchedPicture) {
       ASSERT_EQ(filterProcess_for_album(handle.get(), &image, &param), 0u);
       EXPECT_EQ(single.difference(full), kNone);
       EXPECT_EQ(ThreadFaults::startCount(), 0);
+    }
+  }
+}
+
+// The film alone mixes in a copy; the others ask for its room, which hosts reckon with, and leave
+// it to itself.
+TEST_F(Strength, TouchesTheRoomForACopyOnlyWhereOneIsNeeded) {
+  if (!TestAllocator::fillsBlocks()) GTEST_SKIP() << "blocks are not filled";
+  const TestHandle handle(allocator_, handleLayout(TexturePath::kPrepared, {90, 88}));
+  for (ModeCall call : allModeCalls()) {
+    if (!isBlended(call.mode) && call.mode != LUMORA_MODE_LAODIANYING) continue;
+    for (const bool onCaller : {false, true}) {
+      SCOPED_TRACE(testing::Message() << modeName(call) << (onCaller ? " on the caller" : ""));
+      call.strength = 8;
+      call.onCaller = onCaller;
+      const TestPicture picture(call.format, 90, 88);
+      const std::size_t before = allocator_.untouched().size();
+      ASSERT_EQ(run(call, handle.get(), picture.image()), 0u);
+      ASSERT_GT(allocator_.untouched().size(), before);
+      // The copy is asked for first and given back last.
+      EXPECT_EQ(allocator_.untouched().back(), call.mode != LUMORA_MODE_LAODIANYING);
     }
   }
 }

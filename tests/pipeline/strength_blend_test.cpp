@@ -1,10 +1,8 @@
-// The strength blend, byte by byte.
-#include "pipeline/strength_blend.h"
-
+// Mixing runs of bytes, byte by byte.
 #include <gtest/gtest.h>
 
+#include "pixels/blend_kernel.h"
 #include "support/everywhere.h"
-#include "support/thread_faults.h"
 
 namespace lumora::test {
 namespace {
@@ -18,18 +16,11 @@ void expectMixed(const Bytes& copy, const Bytes& picture, int weight) {
   const GuardedBuffer guardedCopy(copy);
   for (const int level : supportedLevels()) {
     const ForcedLevel forced(level);
-    for (const Threads threads : kBothThreads) {
-      const GuardedBuffer result(picture);
-      if (threads == Threads::kCaller) {
-        FilterBlend(guardedCopy.data(), result.data(), result.size(), weight);
-      } else {
-        ASSERT_EQ(FilterBlend_multiThread(guardedCopy.data(), result.data(), result.size(), weight),
-                  Status::kOk);
-      }
-      ASSERT_TRUE(std::equal(expected.begin(), expected.end(), result.data()))
-          << copy.size() << " bytes, weight " << weight << " on " << vectorLevelName(level);
-      ASSERT_TRUE(result.isIntact());
-    }
+    const GuardedBuffer result(picture);
+    kBlend()(guardedCopy.data(), result.data(), result.size(), weight);
+    ASSERT_TRUE(std::equal(expected.begin(), expected.end(), result.data()))
+        << copy.size() << " bytes, weight " << weight << " on " << vectorLevelName(level);
+    ASSERT_TRUE(result.isIntact());
   }
 }
 
@@ -43,17 +34,9 @@ TEST(StrengthBlend, MixesEveryPairAtEveryWeight) {
 }
 
 TEST(StrengthBlend, TouchesItsOwnBytesAlone) {
-  for (std::uint32_t bytes = 32; bytes < 300; ++bytes) {
+  for (std::uint32_t bytes = 1; bytes < 300; ++bytes) {
     expectMixed(noiseBytes(bytes, bytes), noiseBytes(bytes, 1), 11);
   }
-}
-
-TEST(StrengthBlend, LeavesTheStripeOfAMissingWorkerFiltered) {
-  Bytes copy(103, 0), picture(103, 255);
-  const ThreadFaults faults(1u << 3);
-  EXPECT_EQ(FilterBlend_multiThread(copy.data(), picture.data(), copy.size(), 8),
-            Status::kThreadFailed);
-  for (std::size_t i = 0; i < 103; ++i) EXPECT_EQ(picture[i], i < 75 ? 128 : 255) << i;
 }
 
 }  // namespace

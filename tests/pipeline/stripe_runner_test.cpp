@@ -1,5 +1,5 @@
 // The four split rules and the four-worker fan-out.
-#include "pipeline/stripe_runner.h"
+#include "platform/stripe_runner.h"
 
 #include <gtest/gtest.h>
 
@@ -44,26 +44,18 @@ TEST(StripeSplit, CutsByTheFourRules) {
   }
 }
 
-struct Visit {
-  std::atomic<int>* visits;
-  std::thread::id caller;
-};
-
-void visit(const Visit& v) {
-  if (std::this_thread::get_id() != v.caller) ++*v.visits;
-}
-
 // Every combination of missing workers: the others run to their end on threads of their own, and
 // each missing one is named.
 TEST(StripeRunner, ReportsEachMissingWorkerAndJoinsTheOthers) {
   for (unsigned mask = 0; mask < 16; ++mask) {
     SCOPED_TRACE(mask);
     std::atomic<int> visits[kStripeCount]{};
-    std::array<Visit, kStripeCount> records;
-    for (int k = 0; k < kStripeCount; ++k) records[k] = {&visits[k], std::this_thread::get_id()};
+    const auto visit = [&, caller = std::this_thread::get_id()](const Stripe&, int k) {
+      if (std::this_thread::get_id() != caller) ++visits[k];
+    };
     const ThreadFaults faults(mask);
     const CapturedLog log;
-    EXPECT_EQ(StripeRunner::run(visit, records), mask == 0 ? Status::kOk : Status::kThreadFailed);
+    EXPECT_EQ(StripeRunner::run(Stripes{}, visit), mask == 0 ? Status::kOk : Status::kThreadFailed);
     EXPECT_EQ(ThreadFaults::startCount(), kStripeCount);
 
     std::vector<std::string> expected, texts;

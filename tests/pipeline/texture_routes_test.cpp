@@ -33,9 +33,8 @@ struct Image {
 
 Bytes stretched(const Image& image, int format) {
   Bytes out(static_cast<std::size_t>(format * kPicture.pixels()));
-  (format == 3 ? MixImgResizeRGB : MixImgResizeGray)(image.size.width, image.size.height,
-                                                     kPicture.width, kPicture.height, image.pixels,
-                                                     out.data());
+  MixImgResizeStripe({image.pixels, out.data(), image.size.width, image.size.height, kPicture.width,
+                      kPicture.height, 0, kPicture.height, format});
   return out;
 }
 
@@ -48,10 +47,8 @@ Bytes stretchedNearest(const Image& image, PixelSize to) {
 
 class TextureRoutes : public testing::TestWithParam<TexturePath> {
  protected:
-  TextureRoutes() {
-    setFilmClock([] { return 5150L; });
-  }
-  ~TextureRoutes() override { setFilmClock(nullptr); }
+  TextureRoutes() { setFilmSeed(5150); }
+  ~TextureRoutes() override { setFilmSeed({}); }
 
   // Handles that hold the picture's own textures give them as they are; others stretch theirs, the
   // light leak one of four of half the size while nothing is prepared.
@@ -75,9 +72,10 @@ class TextureRoutes : public testing::TestWithParam<TexturePath> {
     const Bytes grain = stretchedNearest({view.textureSize(), view.plane(13)}, kPicture);
     Bytes blotch = stretchedNearest({held.blotch, view.blotch()}, wanted.blotch);
     Bytes speck = stretchedNearest({held.speck, view.speck()}, wanted.speck);
-    AgeFilm(picture, {grain.data(),
-                      {blotch.data(), wanted.blotch.width, wanted.blotch.height},
-                      {speck.data(), wanted.speck.width, wanted.speck.height}});
+    const FilmAge age(picture, {grain.data(),
+                                {blotch.data(), wanted.blotch.width, wanted.blotch.height},
+                                {speck.data(), wanted.speck.width, wanted.speck.height}});
+    age(picture, {0, picture.heightRows});
   }
 
   TestAllocator allocator_;
@@ -102,9 +100,9 @@ TEST_P(TextureRoutes, EveryLookGetsItsTextureAtThePicturesSize) {
         marks.restore();
         if (look.mode == LUMORA_MODE_LAODIANYING) age(expected.view());
         const Bytes texture = textureOf(look, static_cast<int>(param.stProcess.eDirection));
-        ASSERT_EQ(
-            runLook(look.look(), expected.view(), {texture.data(), nullptr, 16}, Threads::kCaller),
-            Status::kOk);
+        ASSERT_EQ(runLook(look.look(), expected.view(), {{texture.data()}, nullptr, 16},
+                          Threads::kCaller),
+                  Status::kOk);
 
         ASSERT_EQ(run(call, handle_.get(), picture.image()), LUMORA_OK) << describe(call);
         EXPECT_EQ(picture.difference(expected), kNone) << describe(call);

@@ -16,8 +16,6 @@ constexpr PixelSize kSizes[] = {{101, 91}, {88, 88}, {323, 261}};
 constexpr int kStrengths[] = {7, 21, 16, 0, 32};
 constexpr int kStrengthCount = std::size(kStrengths);
 
-long fixedClock() { return 271828; }
-
 std::string digestOf(const TestPicture& picture) {
   std::uint32_t hash = 2166136261u;  // FNV-1a
   for (std::size_t i = 0; i < picture.bytes(); ++i) {
@@ -86,7 +84,7 @@ std::string nameOf(const ModeCall& call) {
 }  // namespace
 
 std::vector<std::string> digestTable(const std::string& resourceDir, bool onCaller, bool reduced) {
-  setFilmClock(fixedClock);
+  setFilmSeed(271828);
   Handles handles(resourceDir);
   const int columns = reduced ? 2 : static_cast<int>(std::size(kSizes)) * kStrengthCount;
   std::vector<std::string> table;
@@ -105,7 +103,7 @@ std::vector<std::string> digestTable(const std::string& resourceDir, bool onCall
       }
     }
   }
-  setFilmClock(nullptr);
+  setFilmSeed({});
   return table;
 }
 

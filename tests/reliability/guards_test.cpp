@@ -87,7 +87,7 @@ class Guards : public testing::TestWithParam<Placement> {
 };
 
 TEST_P(Guards, NothingOutsideIsReadOrWrittenAtAnySize) {
-  setFilmClock([]() -> long { return 4711; });
+  setFilmSeed(4711);
   for (int width = widths().first; width <= widths().last && !HasFailure(); ++width) {
     for (int height = heights().first; height <= heights().last; ++height) {
       runAllModes({width, height});
@@ -99,7 +99,7 @@ TEST_P(Guards, NothingOutsideIsReadOrWrittenAtAnySize) {
   unsized_.reset();
   otherSize_.reset();
   EXPECT_TRUE(allocator_.balanced());
-  setFilmClock(nullptr);
+  setFilmSeed({});
   RecordProperty("cases", cases_);
 }
 

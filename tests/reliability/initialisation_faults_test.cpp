@@ -4,15 +4,14 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <functional>
-
-#include "config/tuning_text.h"
-#include "platform/regular_file.h"
+#include "platform/stripe_runner.h"
 #include "resources/pack_directory.h"
 #include "support/captured_log.h"
 #include "support/counting_heap.h"
+#include "support/file_faults.h"
 #include "support/mode_calls.h"
 #include "support/thread_faults.h"
+#include "tuning_text/tuning_text.h"
 
 namespace lumora::test {
 namespace {
@@ -27,19 +26,6 @@ constexpr const char* kHeaderError = "[%s] \n.dat file error!";
 constexpr const char* kMarkError = "[%s] \n.dat file is wrong!";
 constexpr const char* kFailed = "[%s] initialize failed!\n";
 
-// What happens at the n-th step of reading; the two files are read one after the other.
-struct {
-  int until = 0;
-  std::function<void()> happens;
-} step;
-
-bool countStep(RegularFile::Step) {
-  if (--step.until != 0) return false;
-  if (!step.happens) return true;
-  step.happens();
-  return false;
-}
-
 const Knots* straightCurves(const TuningBlock&) {
   static const Knots kCurves[3] = {
       {{0, 16, 32, 48, 64, 80, 96, 112, 128, 144, 160, 176, 192, 208, 224, 240, 255}}};
@@ -49,20 +35,14 @@ const Knots* straightCurves(const TuningBlock&) {
 class InitialisationFaults : public testing::TestWithParam<std::uint32_t> {
  protected:
   InitialisationFaults() {
-    RegularFile::setFault(countStep);
-    arm(0);
     untuned_ = goodContents();
     writeTuning();
     good_ = goodContents();
     EXPECT_FALSE(good_ == untuned_) << "the document is worth reading";
   }
-  ~InitialisationFaults() override { RegularFile::setFault(nullptr); }
 
   void writeTuning() const {
     ResourceDirectory::write(directory_.tuning(), tuningDocument(straightCurves));
-  }
-  static void arm(int n, std::function<void()> happens = nullptr) {
-    step = {n, std::move(happens)};
   }
 
   // A value of the handle variable that no initialisation makes.
@@ -111,7 +91,7 @@ class InitialisationFaults : public testing::TestWithParam<std::uint32_t> {
   }
   // Nothing of the failure stays: the next initialisation is as good as the first.
   void expectGoodAgain() {
-    arm(0);
+    files_.failAt(0);
     EXPECT_TRUE(goodContents() == good_);
   }
   void expectRefused(std::uint32_t status, const char* reason) {
@@ -124,6 +104,7 @@ class InitialisationFaults : public testing::TestWithParam<std::uint32_t> {
   PackDirectory directory_;
   TestAllocator allocator_;
   CountingHeap heap_;
+  FileFaults files_;  // the two files are read one after the other
   CapturedLog log_;
   FilterHandle* handle_ = nullptr;
   Bytes good_;
@@ -136,9 +117,9 @@ TEST_P(InitialisationFaults, EveryStepOfReadingFails) {
   int n = 1;
   for (bool over = false; !over; ++n) {
     SCOPED_TRACE(n);
-    arm(n);
+    files_.failAt(n);
     const std::uint32_t status = initialise();
-    over = step.until > 0;
+    over = !files_.hasHappened();
     if (n <= kPackSteps) {
       expectRefused(status, reasons[n - 1]);
     } else {
@@ -162,9 +143,9 @@ TEST_P(InitialisationFaults, FilesShrinkBetweenAnyTwoSteps) {
     bool over = false;
     for (int n = 1; !over; ++n, ++cases) {
       SCOPED_TRACE(testing::Message() << file << " to " << rest << " bytes at step " << n);
-      arm(n, [&] { std::filesystem::resize_file(file, rest); });
+      files_.happenAt(n, [&] { std::filesystem::resize_file(file, rest); });
       const std::uint32_t status = initialise();
-      over = step.until > 0;
+      over = !files_.hasHappened();
       if (status == LUMORA_OK) {
         EXPECT_TRUE(contents() == untuned_ || contents() == good_);
         EXPECT_TRUE(log_.errors().empty());
@@ -189,6 +170,30 @@ TEST_P(InitialisationFaults, ADocumentHasALimit) {
   for (const std::uintmax_t bytes : {kLimit, kLimit + 1, kLimit << 10}) {
     std::filesystem::resize_file(directory_.tuning(), bytes);  // zeros, which end the text
     EXPECT_TRUE(goodContents() == (bytes > kLimit ? untuned_ : good_)) << bytes;
+  }
+}
+
+// Nothing takes more memory for its bytes than elements of one character in each other: a record, a
+// name and a list of one child for every three bytes.
+TEST_P(InitialisationFaults, ADocumentTakesSomeSeventyTimesItsBytesAtMost) {
+  const auto peakOf = [this](std::string_view piece) {
+    constexpr std::size_t kBytes = 300'000;
+    std::string text;
+    while (text.size() < kBytes) text += piece;
+    ResourceDirectory::write(directory_.tuning(), text);
+    heap_.failAt(0);
+    EXPECT_EQ(initialise(), LUMORA_OK);
+    destroy();
+    return static_cast<double>(heap_.peakBytes()) / static_cast<double>(text.size());
+  };
+  for (const char* piece :
+       {"<a>", "<a/>", "<a>1", "<a b=''>", "<a 1>", "<?a>", "<a><![CDATA[]]>"}) {
+    EXPECT_LE(peakOf(piece), 72) << piece;
+  }
+  const double worst = peakOf("<a>");
+  RecordProperty("times_its_bytes", std::to_string(worst));
+  if (sizeof(void*) == 8) {
+    EXPECT_GT(worst, 50) << "what the documentation says is not far off";
   }
 }
 

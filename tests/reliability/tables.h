@@ -12,8 +12,10 @@ namespace lumora::test {
 // resourceDir ends in a slash.
 std::vector<std::string> digestTable(const std::string& resourceDir, bool onCaller, bool reduced);
 
-// A line per mode, format, path of textures and count of threads with the sizes of its requests;
-// then, for every fault alone, the status, how many workers were started, and the error messages.
+// For every mode, format, path of textures and count of threads - those that agree together - the
+// status, the starts of workers and the sizes of the requests; then, for every fault alone, the
+// status, how many workers were started, and the error messages. MODE, FORMAT, PICTURE (its bytes)
+// and PIXELS stand for the call's own, NO COPY for its format's message.
 std::vector<std::string> failureTable();
 
 }  // namespace lumora::test

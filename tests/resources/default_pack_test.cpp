@@ -1,5 +1,5 @@
 // The drawn texture pack: the same bytes everywhere, within what each look can bear.
-#include "resources/default_pack.h"
+#include "default_pack/default_pack.h"
 
 #include <gtest/gtest.h>
 

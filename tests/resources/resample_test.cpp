@@ -6,8 +6,7 @@
 
 #include "resources/resample.h"
 #include "resources/resample_reference.h"
-#include "support/captured_log.h"
-#include "support/thread_faults.h"
+#include "resources/stretched_texture.h"
 
 namespace lumora::test {
 namespace {
@@ -32,12 +31,44 @@ std::vector<Sizes> allSizes() {
   return all;
 }
 
-using Resize = void (*)(int, int, int, int, const std::uint8_t*, std::uint8_t*);
+ResizeStripe wholePicture(int format, const Sizes& s, const std::uint8_t* src, std::uint8_t* dst) {
+  return {src, dst, s.srcWidth, s.srcHeight, s.dstWidth, s.dstHeight, 0, s.dstHeight, format};
+}
 
+using Resize = void (*)(const Sizes& s, const std::uint8_t* src, std::uint8_t* dst);
+
+// In shares, of which one or two may be empty.
 template <int kFormat>
-void onWorkers(int srcWidth, int srcHeight, int dstWidth, int dstHeight, const std::uint8_t* src,
-               std::uint8_t* dst) {
-  EXPECT_EQ(MixImgResize(kFormat, srcWidth, srcHeight, dstWidth, dstHeight, src, dst), Status::kOk);
+void inStripes(const Sizes& s, const std::uint8_t* src, std::uint8_t* dst) {
+  const ResizeStripe whole = wholePicture(kFormat, s, src, dst);
+  for (const Stripe& rows : splitRows(s.dstHeight)) MixImgResizeStripe(rowsOf(whole, rows));
+}
+
+// Row after row as walks ask for them, in memory of the size that they have for it.
+template <int kFormat, int kRowsAtOnce>
+void asAsked(const Sizes& s, const std::uint8_t* src, std::uint8_t* dst) {
+  const std::size_t rowBytes = static_cast<std::size_t>(s.dstWidth) * kFormat;
+  const GuardedBuffer memory(Bytes(rowBytes * std::max(s.dstHeight, 88)));
+  StretchedTexture texture(kFormat, {s.srcWidth, s.srcHeight}, src, {s.dstWidth, s.dstHeight},
+                           kRowsAtOnce, memory.data());
+  const TextureSource source = texture.source();
+  const Stripes stripes = splitRowPairs(s.dstHeight + s.dstHeight % 2);
+  for (std::size_t k = 0; k < stripes.size(); ++k) {
+    const auto end = std::min<std::int64_t>(stripes[k].first + stripes[k].count, s.dstHeight);
+    for (std::int64_t y = stripes[k].first; y < end; y += kRowsAtOnce) {
+      const std::uint8_t* rows[kRowsAtOnce];
+      const auto count = std::min<std::int64_t>(kRowsAtOnce, end - y);
+      for (int i = 0; i < count; ++i) rows[i] = source.makers[k]->row(static_cast<int>(y) + i);
+      for (int i = 0; i < count; ++i) {
+        std::copy_n(rows[i], rowBytes, dst + static_cast<std::size_t>(y + i) * rowBytes);
+      }
+    }
+  }
+  EXPECT_TRUE(memory.isIntact());
+}
+
+void nearest(const Sizes& s, const std::uint8_t* src, std::uint8_t* dst) {
+  ImResizeNearest(s.srcWidth, s.srcHeight, s.dstWidth, s.dstHeight, src, dst);
 }
 
 struct Routine {
@@ -45,13 +76,16 @@ struct Routine {
   int bytesPerPixel;
   PositionRule rule;
   Resize resize;
+  int narrowest = 1;  // what the memory of walks is enough for
 };
 constexpr Routine kRoutines[] = {
-    {"one byte on workers", 1, fixedPointPosition, onWorkers<kFormatGray>},
-    {"three bytes on workers", 3, fixedPointPosition, onWorkers<kFormatRGB>},
-    {"one byte", 1, fixedPointPosition, MixImgResizeGray},
-    {"three bytes", 3, fixedPointPosition, MixImgResizeRGB},
-    {"nearest", 1, floatingPosition, ImResizeNearest},
+    {"one byte in stripes", 1, fixedPointPosition, inStripes<kFormatGray>},
+    {"three bytes in stripes", 3, fixedPointPosition, inStripes<kFormatRGB>},
+    {"one byte by rows", 1, fixedPointPosition, asAsked<kFormatGray, 1>, 88},
+    {"one byte by row pairs", 1, fixedPointPosition, asAsked<kFormatGray, 2>, 88},
+    {"three bytes by rows", 3, fixedPointPosition, asAsked<kFormatRGB, 1>, 88},
+    {"three bytes by row pairs", 3, fixedPointPosition, asAsked<kFormatRGB, 2>, 88},
+    {"nearest", 1, floatingPosition, nearest},
 };
 
 // From and into memory that ends at inaccessible pages.
@@ -64,7 +98,7 @@ void expectRule(const Routine& routine, const Sizes& s) {
   for (const int level : supportedLevels()) {
     const ForcedLevel forced(level);
     const GuardedBuffer dst(Bytes(bytes(s.dstWidth, s.dstHeight), 0xEE));
-    routine.resize(s.srcWidth, s.srcHeight, s.dstWidth, s.dstHeight, src.data(), dst.data());
+    routine.resize(s, src.data(), dst.data());
     EXPECT_TRUE(dst.isIntact());
     ASSERT_TRUE(std::equal(expected.begin(), expected.end(), dst.data()))
         << routine.name << " on " << vectorLevelName(level) << ", " << s.srcWidth << 'x'
@@ -74,7 +108,9 @@ void expectRule(const Routine& routine, const Sizes& s) {
 
 TEST(Resample, FollowsItsRule) {
   for (const Sizes& s : allSizes()) {
-    for (const Routine& routine : kRoutines) expectRule(routine, s);
+    for (const Routine& routine : kRoutines) {
+      if (s.dstWidth >= routine.narrowest) expectRule(routine, s);
+    }
   }
 }
 
@@ -83,14 +119,14 @@ TEST(ResampleRules, TakeTheWorkedPixels) {
   Bytes src(1024 * 1024, 0);
   src[1022 * 1024 + 1023] = 200;
   Bytes dst(1920 * 1080);
-  MixImgResizeGray(1024, 1024, 1920, 1080, src.data(), dst.data());
+  MixImgResizeStripe(wholePicture(kFormatGray, {1024, 1024, 1920, 1080}, src.data(), dst.data()));
   EXPECT_EQ(dst.back(), 200);
 
   // Pixel 15 of 1920 lies at 8 of 1024: the truncated step of the fixed-point rule falls short.
   Bytes ramp(1024);
   for (int i = 0; i < 1024; ++i) ramp[i] = static_cast<std::uint8_t>(i);
   Bytes fixedPoint(1920), floating(1920);
-  MixImgResizeGray(1024, 1, 1920, 1, ramp.data(), fixedPoint.data());
+  MixImgResizeStripe(wholePicture(kFormatGray, {1024, 1, 1920, 1}, ramp.data(), fixedPoint.data()));
   ImResizeNearest(1024, 1, 1920, 1, ramp.data(), floating.data());
   EXPECT_EQ(fixedPoint[15], 7);
   EXPECT_EQ(floating[15], 8);
@@ -101,28 +137,17 @@ TEST(ResampleEdges, EmptySourcesGiveZerosAndEmptyDestinationsNothing) {
   ImResizeNearest(1, 0, 4, 3, nullptr, dst.data());
   EXPECT_EQ(dst, Bytes(12, 0));
   dst.assign(12, 0xEE);
-  ASSERT_EQ(MixImgResize(kFormatRGB, 0, 0, 2, 2, nullptr, dst.data()), Status::kOk);
+  MixImgResizeStripe(wholePicture(kFormatRGB, {0, 0, 2, 2}, nullptr, dst.data()));
   EXPECT_EQ(dst, Bytes(12, 0));
 
   const Bytes src(9, 5);
   dst.assign(12, 0xEE);
   ImResizeNearest(3, 3, 0, 4, src.data(), dst.data());
   ImResizeNearest(3, 3, 4, 0, src.data(), dst.data());
-  ASSERT_EQ(MixImgResize(kFormatGray, 3, 3, 4, 0, src.data(), dst.data()), Status::kOk);
+  MixImgResizeStripe(wholePicture(kFormatGray, {3, 3, 4, 0}, src.data(), dst.data()));
   // A format of another number copies nothing.
-  ASSERT_EQ(MixImgResize(2, 3, 3, 2, 2, src.data(), dst.data()), Status::kOk);
+  MixImgResizeStripe(wholePicture(2, {3, 3, 2, 2}, src.data(), dst.data()));
   EXPECT_EQ(dst, Bytes(12, 0xEE));
-}
-
-// Five rows are shares of 2, 2, 1 and 0 rows.
-TEST(ResampleThreads, AMissingWorkerLeavesItsRowsAlone) {
-  const Bytes src(4, 9);
-  Bytes dst(10, 0xEE);
-  const CapturedLog log;
-  const ThreadFaults faults(1u << 1);
-  EXPECT_EQ(MixImgResize(kFormatGray, 2, 2, 2, 5, src.data(), dst.data()), Status::kThreadFailed);
-  EXPECT_EQ(dst, (Bytes{9, 9, 9, 9, 0xEE, 0xEE, 0xEE, 0xEE, 9, 9}));
-  EXPECT_EQ(log.errors().at(0), "[%s] pthread_create error!\n");
 }
 
 }  // namespace

@@ -1,9 +1,12 @@
-// The heap of documents, which counts and refuses blocks.
+// The C heap, which counts and refuses blocks. Documents have their memory from it; what C++ and
+// the shared libraries ask for does not count.
 #pragma once
+
+#include <cstddef>
 
 namespace lumora::test {
 
-// While it lives, documents have their memory from it. One at a time, one thread.
+// One at a time, one thread.
 class CountingHeap {
  public:
   CountingHeap();
@@ -17,6 +20,7 @@ class CountingHeap {
   bool hasFailed() const;
   int requests() const;  // since the last failAt
   int liveBlocks() const;
+  std::size_t peakBytes() const;  // as common heaps hand them out, since the last failAt
 };
 
 }  // namespace lumora::test

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <sstream>
 
-#include "pipeline/mode_table.h"
+#include "modes/modes.h"
 
 namespace lumora::test {
 namespace {
@@ -37,17 +37,16 @@ void setMosaic(FilterProcessParam& param, PixelSize picture, int variant) {
 
 std::vector<ModeCall> allModeCalls() {
   std::vector<ModeCall> calls;
-  for (std::uint32_t mode = 1; mode <= kModeCount; ++mode) {
+  for (const ModeFacts& mode : kModes) {
     for (const PixelFormat format : kFormats) {
-      const bool taken = mode != LUMORA_MODE_COLOUR_FIX || format == PixelFormat::kRgba;
-      if (taken && findMode(mode) != nullptr) calls.push_back({mode, format});
+      if (format == PixelFormat::kRgba || !mode.rgbaOnly) calls.push_back({mode.number, format});
     }
   }
   return calls;
 }
 
 bool usesTexturePlanes(std::uint32_t mode) {
-  return findMode(mode)->texturePlane != kNoPlane || mode == LUMORA_MODE_MEISHIMENGHUAN;
+  return usesTexture(mode) || mode == LUMORA_MODE_MEISHIMENGHUAN;
 }
 
 TestHandle::Layout handleLayout(TexturePath path, PixelSize picture) {
@@ -81,12 +80,12 @@ FilterAlbumParam paramFor(const ModeCall& call, PixelSize picture) {
 std::uint32_t run(const ModeCall& call, FilterHandle* handle, const FilterImage& image) {
   const PixelSize size = {static_cast<int>(image.width), static_cast<int>(image.height)};
   FilterAlbumParam param = paramFor(call, size);
-  if (call.mode > LUMORA_MODE_MOSAIC) return filterProcess_for_album(handle, &image, &param);
+  if (findModeFacts(call.mode)->albumOnly) return filterProcess_for_album(handle, &image, &param);
   return filterProcess(handle, &image, &param.stProcess);
 }
 
 std::string modeName(const ModeCall& call) {
-  return std::string(findMode(call.mode)->name) + ' ' + formatName(call.format);
+  return std::string(findModeFacts(call.mode)->name) + ' ' + formatName(call.format);
 }
 
 std::string pathName(TexturePath path) {

@@ -38,11 +38,11 @@ TestHandle::Layout handleLayout(TexturePath path, PixelSize picture);
 bool usesTexturePlanes(std::uint32_t mode);
 // Blur and tilt-shift take a level for a strength, and nothing is blended.
 inline bool isLevel(const ModeCall& call) {
-  return call.mode == LUMORA_MODE_BLUR || call.mode == LUMORA_MODE_TILT_SHIFT;
+  return findModeFacts(call.mode)->strength == StrengthUse::kBlurLevel;
 }
 // How many variants of its settings a mode has.
 inline int variantsOf(std::uint32_t mode) {
-  return mode >= LUMORA_MODE_MOSAIC && mode <= LUMORA_MODE_TILT_SHIFT ? 2 : 1;
+  return findModeFacts(mode)->settings >> kRect != 0 ? 2 : 1;
 }
 // Colour fix alone: its single- and four-threaded forms may differ.
 inline bool dependsOnThreads(std::uint32_t mode) { return mode == LUMORA_MODE_COLOUR_FIX; }

@@ -6,6 +6,8 @@
 #include <fstream>
 #include <string>
 
+#include "resources/resource_files.h"
+
 namespace lumora::test {
 
 // A new directory, removed with everything in it at the end.
@@ -22,8 +24,8 @@ class ResourceDirectory {
 
   // With the slash that initialisations want at its end.
   std::string path() const { return root_.string() + "/"; }
-  std::filesystem::path pack() const { return root_ / "mixIm.dat"; }
-  std::filesystem::path tuning() const { return root_ / "filter.xml"; }
+  std::filesystem::path pack() const { return root_ / kPackName; }
+  std::filesystem::path tuning() const { return root_ / kTuningName; }
 
   template <class Content>
   static void write(const std::filesystem::path& file, const Content& content) {

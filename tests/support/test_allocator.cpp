@@ -10,6 +10,8 @@ namespace {
 
 TestAllocator* current = nullptr;
 
+constexpr std::uint8_t kFilling = 0xA5;
+
 bool isOurs(const char* tag, std::uint32_t flags) {
   return std::strcmp(tag, "Lumora_Filters") == 0 && flags == 0;
 }
@@ -61,8 +63,9 @@ void* TestAllocator::allocate(std::uint32_t size, const char* tag, std::uint32_t
   if (block.handedOut == nullptr) return nullptr;
   const bool guarded = block.guarded != nullptr;
   if (fillsBlocks()) {
-    std::memset(guarded ? block.guarded->data() : block.handedOut, 0xA5,
-                std::min(guarded ? block.guarded->size() : size, std::size_t{1} << 22));
+    block.filled = {guarded ? block.guarded->data() : block.handedOut,
+                    std::min(guarded ? block.guarded->size() : size, std::size_t{1} << 22)};
+    std::ranges::fill(block.filled, kFilling);
   }
   void* const handedOut = block.handedOut;
   self.live_[handedOut] = std::move(block);
@@ -78,6 +81,8 @@ void TestAllocator::release(void* address, const char* tag, std::uint32_t flags)
   }
   const Block& block = found->second;
   if (block.guarded != nullptr && !block.guarded->isIntact()) self.wellFormed_ = false;
+  self.untouched_.push_back(
+      std::ranges::all_of(block.filled, [](std::uint8_t byte) { return byte == kFilling; }));
   self.live_.erase(found);
 }
 

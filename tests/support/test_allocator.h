@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "lumora/filters.h"
@@ -37,6 +38,9 @@ class TestAllocator {
 
   const std::vector<std::uint32_t>& requests() const { return requests_; }
   void clearRequests() { requests_.clear(); }
+  // What may be used of a block that came back held what it held when it was handed out; one entry
+  // for every block that came back. Only where blocks are filled.
+  const std::vector<bool>& untouched() const { return untouched_; }
   // Every block came back, every call carried the library's tag and flags 0, and no byte beside the
   // guarded blocks was written.
   bool balanced() const { return live_.empty() && wellFormed_; }
@@ -47,6 +51,7 @@ class TestAllocator {
     std::unique_ptr<std::uint8_t[]> heap;
     std::unique_ptr<GuardedBuffer> guarded;
     std::uint8_t* handedOut = nullptr;
+    std::span<std::uint8_t> filled;
   };
   Block makeBlock(std::uint32_t size) const;
   static void* allocate(std::uint32_t size, const char* tag, std::uint32_t flags);
@@ -54,6 +59,7 @@ class TestAllocator {
 
   FilterAllocator record_{allocate, release};
   std::vector<std::uint32_t> requests_;
+  std::vector<bool> untouched_;
   std::map<void*, Block> live_;
   std::uint32_t misalignment_ = 8;
   std::uint32_t largestRequest_ = UINT32_MAX;

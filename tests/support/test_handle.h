@@ -34,7 +34,8 @@ class TestHandle {
     std::fill_n(view.params(), kFilterParamsBytes, std::uint8_t{1});
     const auto textureBytes =
         static_cast<std::size_t>(kPlaneCount * layout.textureSize.pixels() + small.bytes());
-    std::ranges::copy(noiseBytes(textureBytes, 77), view.plane(0));
+    const Bytes texels = noiseBytes(textureBytes, 77);
+    std::copy(texels.begin(), texels.end(), view.plane(0));
     allocator.clearRequests();
   }
   ~TestHandle() { filterDestroy(&handle_); }

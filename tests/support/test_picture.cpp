@@ -56,11 +56,16 @@ FilterImage TestPicture::image() const {
 }
 
 bool TestPicture::keepsBorders(const Bytes& before, bool alphaToo) const {
-  const std::ptrdiff_t rowBytes = std::ptrdiff_t{view_.widthPixels} * (view_.isRgba() ? 4 : 1);
-  for (std::size_t i = 0; i < bytes(); ++i) {
-    const std::ptrdiff_t column = static_cast<std::ptrdiff_t>(i) % view_.strideBytes;
-    const bool isAlpha = alphaToo && view_.isRgba() && column % 4 == 3;
-    if ((column >= rowBytes || isAlpha) && data()[i] != before[i]) return false;
+  const auto stride = static_cast<std::size_t>(view_.strideBytes);
+  const std::size_t rowBytes =
+      static_cast<std::size_t>(view_.widthPixels) * (view_.isRgba() ? 4 : 1);
+  for (std::size_t row = 0; row < bytes(); row += stride) {
+    if (std::memcmp(data() + row + rowBytes, &before[row] + rowBytes, stride - rowBytes) != 0) {
+      return false;
+    }
+    for (std::size_t i = row + 3; alphaToo && view_.isRgba() && i < row + rowBytes; i += 4) {
+      if (data()[i] != before[i]) return false;
+    }
   }
   return buffer_.isIntact();
 }
@@ -100,6 +105,12 @@ void TestPicture::fill(int a, int b, int c, int alpha) {
         if (y % 2 == 0) view_.chroma()[y / 2 * view_.strideBytes + x] = toByte(x % 2 == 0 ? b : c);
       }
     }
+  }
+}
+
+void TestPicture::mixIn(const TestPicture& untouched, int weight) {
+  for (std::size_t i = 0; i < bytes(); ++i) {
+    data()[i] = toByte((untouched.data()[i] * (16 - weight) + data()[i] * weight + 8) >> 4);
   }
 }
 

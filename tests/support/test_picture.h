@@ -72,6 +72,8 @@ class TestPicture {
   std::string difference(const TestPicture& expected) const;
   std::string description() const;  // format and size
   void assign(const Bytes& bytes);
+  // Mixes the untouched picture in, as strengths below the full one do; weight is this one's share.
+  void mixIn(const TestPicture& untouched, int weight);
   // Every pixel this colour (RGBA), or these luma and chroma bytes (NV).
   void fill(int a, int b, int c, int alpha = 255);
 

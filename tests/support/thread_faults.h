@@ -1,12 +1,22 @@
-// Thread starts that fail on demand.
+// Thread starts that fail on demand, or go another way.
 #pragma once
+
+#include <pthread.h>
 
 #include <cerrno>
 #include <cstdint>
 
-#include "pipeline/stripe_runner.h"
-
 namespace lumora::test {
+
+using ThreadStart = int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
+
+// Stands in for pthread_create in everything but the shared libraries; null for nothing.
+void replaceThreadStart(ThreadStart start);
+// What then starts the threads that do start: pthread_create, unless something else was given last
+// (null for it again).
+void setThreadStarter(ThreadStart start);
+int startThread(pthread_t* thread, const pthread_attr_t* attributes, void* (*enter)(void*),
+                void* argument);
 
 // While it lives, the starts numbered in the mask fail: bit n is the (n + 1)-th start, and bit 63
 // every one from there on.
@@ -15,9 +25,9 @@ class ThreadFaults {
   explicit ThreadFaults(std::uint64_t mask) {
     faults = mask;
     starts = 0;
-    StripeRunner::setThreadStart(start);
+    replaceThreadStart(start);
   }
-  ~ThreadFaults() { StripeRunner::setThreadStart(nullptr); }
+  ~ThreadFaults() { replaceThreadStart(nullptr); }
   ThreadFaults(const ThreadFaults&) = delete;
   ThreadFaults& operator=(const ThreadFaults&) = delete;
 
@@ -28,7 +38,7 @@ class ThreadFaults {
                    void* argument) {
     const bool fails = (faults >> (starts < 63 ? starts : 63) & 1u) != 0;
     ++starts;
-    return fails ? EAGAIN : pthread_create(thread, attributes, enter, argument);
+    return fails ? EAGAIN : startThread(thread, attributes, enter, argument);
   }
   static inline std::uint64_t faults = 0;
   static inline int starts = 0;

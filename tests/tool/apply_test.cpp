@@ -1,16 +1,22 @@
 // lumora apply: what comes out, in every format that goes in.
 #include <algorithm>
-#include <filesystem>
 
 #include "pictures.h"
 
 namespace lumora::test {
 namespace {
 
-namespace fs = std::filesystem;
 using vips::VImage;
 
-class ApplyTest : public PictureTest {};
+class ApplyTest : public PictureTest {
+ protected:
+  std::string profileOf(const std::string& name) const {
+    std::size_t bytes = 0;
+    const VImage picture = stored(name);
+    const void* const profile = picture.get_blob(VIPS_META_ICC_NAME, &bytes);
+    return {static_cast<const char*>(profile), bytes};
+  }
+};
 
 TEST_F(ApplyTest, GivesTheLookOfTheDecodedPixels) {
   struct Case {
@@ -27,7 +33,7 @@ TEST_F(ApplyTest, GivesTheLookOfTheDecodedPixels) {
         Case{"in.webp", "[lossless=true]", 4, false}}) {
     SCOPED_TRACE(file + options);
     writePicture(file + options, colourfulPicture(123, 97, bands, wide));
-    succeed("apply --look heibai " + file + " grey.png");
+    succeed("apply --force --look heibai " + file + " grey.png");
     expectBlackAndWhite("grey.png", file);
   }
 }
@@ -58,7 +64,7 @@ TEST_F(ApplyTest, TurnsEveryOrientationUpright) {
     writePicture("phone.jpg", picture);
     ASSERT_EQ(vips_image_get_orientation(stored("phone.jpg").get_image()), orientation);
 
-    succeed("apply -l 12 phone.jpg upright.tif");
+    succeed("apply --force -l 12 phone.jpg upright.tif");
 
     const VImage upright = stored("upright.tif");
     EXPECT_EQ(vips_image_get_orientation(upright.get_image()), 1);
@@ -81,10 +87,31 @@ TEST_F(ApplyTest, ConvertsOtherColourModels) {
   // CMYK cannot show every colour, so the mean decides.
   EXPECT_NEAR(screen.avg(), blackAndWhite(picture).avg(), 12);
   // Bytes 16 to 19 of a profile name the colour model of the pixels it is for.
-  std::size_t bytes = 0;
-  const void* profile = screen.get_blob(VIPS_META_ICC_NAME, &bytes);
-  ASSERT_GT(bytes, 20u);
-  EXPECT_EQ(std::string(static_cast<const char*>(profile) + 16, 4), "RGB ");
+  EXPECT_EQ(profileOf("out/print.png").substr(16, 4), "RGB ");
+}
+
+// The same photograph in another colour space gets the same look, and stays in sRGB.
+TEST_F(ApplyTest, WideGamutsBecomeSrgbUnlessTheyShallStay) {
+  writePicture("plain.png", colourfulPicture(120, 90).icc_transform(
+                                "srgb", VImage::option()->set("input_profile", "srgb")));
+  for (const int depth : {8, 16}) {
+    writePicture("wide.png",
+                 stored("plain.png").icc_transform("p3", VImage::option()->set("depth", depth)));
+    for (const char* look : {"heibai", "xpro2", "moran"}) {
+      SCOPED_TRACE(std::to_string(depth) + look);
+      const std::string apply = std::string("apply --force -l ") + look;
+      succeed(apply + " plain.png expected.png");
+      succeed(apply + " wide.png converted.png");
+      succeed(apply + " --profile keep wide.png kept.png");
+      const auto meanError = [this](const char* name) {
+        return (stored(name) - stored("expected.png")).abs().avg();
+      };
+      EXPECT_LT(meanError("converted.png"), 0.7);
+      EXPECT_GT(meanError("kept.png"), 2 * meanError("converted.png"));
+      EXPECT_EQ(profileOf("converted.png"), profileOf("plain.png"));
+      EXPECT_EQ(profileOf("kept.png"), profileOf("wide.png"));
+    }
+  }
 }
 
 TEST_F(ApplyTest, StrengthBlendsEveryPictureWithItsOriginal) {
@@ -112,17 +139,11 @@ TEST_F(ApplyTest, StandardInputAndOutput) {
   writePicture("in.png");
   succeed("apply -l heibai --to png - - < in.png > out.png");
   expectBlackAndWhite("out.png", "in.png");
-}
-
-TEST_F(ApplyTest, OverwritesInPlaceKeepingModeAndLinks) {
-  writePicture("original.png");
-  writePicture("real.png");
-  fs::create_symlink("real.png", pathOf("link.png"));
-  fs::permissions(pathOf("real.png"), fs::perms{0640});
-  succeed("apply -l heibai real.png link.png");
-  EXPECT_TRUE(fs::is_symlink(pathOf("link.png")));
-  EXPECT_EQ(fs::status(pathOf("real.png")).permissions(), fs::perms{0640});
-  expectBlackAndWhite("real.png", "original.png");
+  // Without --to the format is the input's, told by its content.
+  succeed("apply -l heibai - - < in.png > same.png");
+  EXPECT_EQ(readFile("same.png"), readFile("out.png"));
+  writePicture("in.gif");
+  refuse(1, "apply -l heibai in.gif -", "in.gif: GIF is not written; choose with --to");
 }
 
 TEST_F(ApplyTest, DrawsTheSameSampleSceneEverywhere) {

@@ -125,8 +125,10 @@ TEST_F(BatchTest, NothingIsLostToMadeUpNames) {
 
 TEST_F(BatchTest, ATerminalSeesTheBar) {
   if (runShell("command -v script").exitCode != 0) GTEST_SKIP() << "no program for terminals";
+  const ToolResult terminal = runShell("script -qec true /dev/null");
+  if (terminal.exitCode != 0) GTEST_SKIP() << "no terminal can be made: " << terminal.error;
   const auto shown = [this](const std::string& more) {
-    const std::string batch = "lumora apply -l moran -r -d out photos" + more;
+    const std::string batch = "lumora apply --force -l moran -r -d out photos" + more;
     return runShell("TERM=xterm script -qec '" + batch + "' /dev/null").output;
   };
   const std::string bar = shown("");

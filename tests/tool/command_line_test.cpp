@@ -37,10 +37,10 @@ TEST_F(CommandLineTest, NamesThePictureAndWhatIsWrongWithIt) {
           {"apply -l heibai in.png /proc/o.png", "/proc/o.png: cannot"},
           {"apply -l heibai --to png in.png /dev/full", "/dev/full: writing failed: No space left"},
           {"apply -l mosaic --rect 64,64,66,20 in.png o.png",
-           "in.png: the rectangle 64,64,66,20 (--rect) reaches beyond the picture of 128 x 96"},
+           "in.png: the rectangle 64,64,66,20 (rect) reaches beyond the picture of 128 x 96"},
           {"apply -l heibai -d /proc/o in.png", "/proc/o: cannot"},
           {"apply -l colour-fix --pick 128,0 in.png o.png",
-           "in.png: the point 128,0 (--pick) is outside"},
+           "in.png: the point 128,0 (pick) is outside"},
           {"bench no.jpg", "no.jpg: there is no such file"},
           {"frame -l heibai -f nv12 --size 90x90", "standard input: is empty"},
           {"gallery in.png /proc/o.png", ": /proc/o.png"},
@@ -70,13 +70,23 @@ TEST_F(CommandLineTest, NamesWhatCannotBeMeant) {
            "--rect belongs to the look mosaic, not heibai"},
           {"apply -l heibai --direction 1 in.png o.png", "belongs to the look lianghong"},
           {"apply -l heibai -r folder o.png", "--recursive needs --out-dir"},
+          {"apply -l heibai --force --skip-existing in.png o.png", "contradicts --force"},
+          {"apply -l heibai --in-place --skip-existing in.png", "contradicts --in-place"},
+          {"apply -l heibai --in-place --to jpg in.png",
+           "--in-place keeps folder, name and format"},
+          {"apply -l heibai --in-place -d folder in.png", "--in-place keeps folder, name and"},
+          {"apply -l heibai --in-place -", "standard input has no name to keep"},
+          {"apply -l heibai --in-place --backup '' in.png",
+           "--backup: the backup needs another name"},
+          {"apply -l heibai --in-place --backup a/b in.png", "--backup: 'a/b'"},
+          {"apply -l heibai --backup .orig in.png o.png", "--backup needs --in-place"},
           {"apply -l heibai -j all in.png o.png", "--jobs: 'all' is not"},
           {"apply -l heibai -j 257 in.png o.png", "--jobs: 257 is outside 0..256"},
           {"apply -l heibai -d o --suffix a/b in.png", "--suffix: 'a/b'"},
           {"apply -l heibai -d folder -", "use IN OUT"},
           {"apply -l mosaic --rect 1,0,8,8 in.png o.png",
-           "--rect: '1,0,8,8' has a number that is odd"},
-          {"apply -l colour-fix in.png o.png", "--pick X,Y"},
+           "--rect: rect has the number 1, which is odd"},
+          {"apply -l colour-fix in.png o.png", "either colour or pick"},
           {"gallery in.png folder", "folder: is a folder"},
           {"sample o.xyz", "o.xyz: its name must end in one of .jpg"},
           {"bench -l colour-fix -f nv21 in.png", "colour-fix exists for rgba frames only"},
@@ -90,21 +100,39 @@ TEST_F(CommandLineTest, NamesWhatCannotBeMeant) {
 }
 
 TEST_F(CommandLineTest, NamesTheResourceFile) {
+  shell("truncate -s 17M long.xml");
   expectRefusals(
       3, {
              {"apply -l heibai --resources folder in.png o.png", "folder/mixIm.dat: there is no"},
              {"apply -l heibai --resources bad in.png o.png",
               "bad/mixIm.dat: is not a usable texture pack: has 1000 bytes instead of 11535852"},
              {"apply -l heibai --params no.xml in.png o.png", "no.xml: there is no such file"},
+             {"apply -l heibai --params long.xml in.png o.png",
+              "long.xml: is longer than the 16 MiB that are read"},
+             {"tune --check long.xml", "long.xml: is longer than the 16 MiB that are read"},
+             {"apply -l heibai --params empty.png in.png o.png", "empty.png: discarded"},
+             {"frame -l heibai -f rgba --size 90x90 --params in.png",
+              "in.png: has no element /Config"},
          });
+}
+
+TEST_F(CommandLineTest, NamesTheProcessorWhereItLacksInstructions) {
+#if defined(__x86_64__) && !defined(LUMORA_REDUCED_TESTS)
+  if (runShell("command -v qemu-x86_64").exitCode != 0) GTEST_SKIP() << "no emulator";
+  const std::string old = "qemu-x86_64 -cpu qemu64,-ssse3 $(command -v lumora) ";
+  EXPECT_TRUE(says(runShell(old + "apply -l heibai in.png o.png").error,
+                   "could not be set up: this processor lacks instructions"));
+#else
+  GTEST_SKIP() << "needs an optimised build for x86-64";
+#endif
 }
 
 TEST_F(CommandLineTest, ResourceFoldersMayHaveLongNamesAndTuningComeFromElsewhere) {
   const std::string folder = std::string(200, 'a') + "/" + std::string(200, 'b');
   shell("mkdir -p " + folder + "; ln -s '" LUMORA_BUILD_DIRECTORY "/mixIm.dat' " + folder);
-  writeFile("own.xml", "<Config></Config>");
+  succeed("tune --default own.xml");
   succeed("apply -l heibai in.png o.png --resources " + folder);
-  succeed("apply -l heibai in.png o.png --params own.xml");
+  succeed("apply -l heibai in.png p.png --params own.xml");
 }
 
 TEST_F(CommandLineTest, ListsAllLooksWithTheOptionsTheyTake) {

@@ -1,4 +1,5 @@
 // What the tool says about itself holds: help, manual page, completions, documented commands.
+#include <regex>
 #include <sstream>
 
 #include "pictures.h"
@@ -22,7 +23,7 @@ TEST_F(DocumentedTest, EveryCommandExplainsItselfWithExamples) {
   EXPECT_TRUE(says(succeed("--help"), "Exit codes: 0 all done, 1 a picture failed"));
   EXPECT_TRUE(succeed("--version").starts_with("lumora "));
   const Words commands = allCommands();
-  EXPECT_EQ(commands.size(), 8u + 4u);
+  EXPECT_EQ(commands.size(), 9u + 4u);
   for (const std::string& command : commands) {
     const std::string help = succeed(command + " --help");
     EXPECT_TRUE(help.starts_with("Usage: lumora " + command)) << help;
@@ -65,6 +66,43 @@ echo -n ${COMPREPLY[@]}
     refuse(1, "apply -l moran no.png - --to " + format, "no.png: there is no such file");
   }
   EXPECT_EQ(count, 6) << formats.str();
+}
+
+// A page's commands, one after the other: those of its indented blocks, with what they put out
+// where they stand behind a "$". Its document is there under the name that the commands give it.
+TEST_F(DocumentedTest, TheCommandsOfThePagesWorkAsWritten) {
+  writePicture("photo.jpg", 400, 300);
+  writeFile("in", Bytes(1280 * 720 * 3 / 2, 90));
+  int commands = 0, outputs = 0;
+  for (const char* name : {"README.md", "docs/textures.md", "docs/tuning.md"}) {
+    SCOPED_TRACE(name);
+    shell("rm -f result.jpg");
+    const std::string page =
+        shell("sed 's|build/release/tools/lumora/lumora|lumora|' '" LUMORA_SOURCE_DIRECTORY "/" +
+              std::string(name) + "'");
+    if (const auto xml = page.find("```xml\n"); xml != page.npos) {
+      writeFile("rixi.xml", page.substr(xml + 7, page.find("```", xml + 7) - xml - 7));
+    }
+    std::smatch found;
+    std::string rest = page;
+    const std::regex command(
+        "\n( {4,6})(\\$ )?((lumora|head) [^\n]*)\n((?: {4}(?! *\\$)[^\n]*\n)*)");
+    for (; std::regex_search(rest, found, command);
+         rest = '\n' + found.str(5) + found.suffix().str()) {
+      ++commands;
+      const ToolResult result = runShell(found[3]);
+      if (!found[2].matched) {
+        EXPECT_EQ(result.exitCode, 0) << found[3] << '\n' << result.error;
+        continue;
+      }
+      ++outputs;
+      const std::string shown =
+          std::regex_replace(found.str(5), std::regex("(^|\n)" + found.str(1)), "$1");
+      EXPECT_EQ(result.output + result.error, shown) << found[3];
+    }
+  }
+  EXPECT_EQ(commands, 17);
+  EXPECT_EQ(outputs, 4);
 }
 
 // The colours of the result are those that apply gives the video's pictures.

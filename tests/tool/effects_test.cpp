@@ -17,7 +17,7 @@ VImage crop(const VImage& picture, const Part& part) {
 class EffectsTest : public PictureTest {
  protected:
   VImage apply(const std::string& options) const {
-    succeed("apply in.png out.png " + options);
+    succeed("apply --force in.png out.png " + options);
     return open("out.png");
   }
 };
@@ -88,6 +88,22 @@ TEST_F(EffectsTest, BlursKeepTheirPartSharpAndBlurTheRest) {
     EXPECT_EQ(greatestDifference(crop(out, sharp), crop(picture, sharp)), 0);
     EXPECT_LT(crop(out, blurred).deviate(), 0.3 * crop(picture, blurred).deviate());
   }
+}
+
+TEST_F(EffectsTest, FilmIsRepeatableWithASeed) {
+  writePicture("in.png", 600, 400);
+  const auto aged = [this](const char* seed) { return apply(std::string("-l 5 --seed ") + seed); };
+  const VImage first = aged("1").copy_memory();
+  EXPECT_EQ(greatestDifference(aged("1"), first), 0);
+  EXPECT_GT(greatestDifference(aged("2"), first), 0);
+  EXPECT_GT(greatestDifference(apply("-l 5"), first), 0);
+
+  const auto sheet = [this](const std::string& seed) {
+    succeed("gallery --force -l 5 --seed " + seed + " in.png sheet.png");
+    return readFile("sheet.png");
+  };
+  EXPECT_TRUE(sheet("1") == sheet("1"));
+  EXPECT_FALSE(sheet("1") == sheet("2"));
 }
 
 }  // namespace

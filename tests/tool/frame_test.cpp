@@ -1,4 +1,6 @@
 // lumora frame: raw frames from files and pipes.
+#include <cstring>
+
 #include "support/mode_calls.h"
 #include "tool_runner.h"
 
@@ -49,10 +51,26 @@ TEST_F(FrameTest, FramesOfAllFormatsAndStridesThroughPipesAndFiles) {
     EXPECT_EQ(readFile("out"), packed.after) << name;
     const std::string stride = " --stride " + std::to_string(rowBytes + 30);
     for (const char* threads : {"", " --single-thread"}) {
-      succeed(heibai + name + stride + threads + " padded out");
+      succeed(heibai + name + stride + threads + " --force padded out");
       EXPECT_EQ(readFile("out"), padded.after) << name << threads;
     }
   }
+}
+
+// Every frame makes the marks whiter, but after some ten of them they are as white as they get.
+TEST_F(FrameTest, EveryFrameOfFilmHasASeedOfItsOwn) {
+  const Bytes frame = TestPicture(PixelFormat::kNv12, 600, 400).snapshot();
+  const auto lastOf = [&](int count, const std::string& seed) {
+    Bytes frames;
+    for (int i = 0; i < count; ++i) frames.insert(frames.end(), frame.begin(), frame.end());
+    writeFile("in", frames);
+    succeed("frame --look 5 --size 600x400 --format nv12 --force --seed " + seed + " in out");
+    const Bytes out = readFile("out");
+    return Bytes(out.end() - static_cast<std::ptrdiff_t>(frame.size()), out.end());
+  };
+  const Bytes last = lastOf(12, "7");
+  EXPECT_TRUE(lastOf(13, "6") == last);
+  EXPECT_FALSE(lastOf(13, "7") == last);
 }
 
 TEST_F(FrameTest, VerboseKeepsStandardOutputPure) {
@@ -79,9 +97,44 @@ TEST_F(FrameTest, AShortLastFrameIsAnError) {
   EXPECT_EQ(readFile("out"), frames.after);
 }
 
-TEST_F(FrameTest, AnInterruptLeavesNothingHalfWritten) {
-  interrupt(heibai + "rgba /dev/zero out", [this] { return !listFolder().empty(); });
+TEST_F(FrameTest, NoSignalLeavesAnythingHalfWritten) {
+  for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGUSR1, SIGUSR2, SIGALRM, SIGVTALRM,
+                           SIGPROF, SIGXCPU, SIGIO, SIGPWR, SIGSTKFLT, SIGRTMIN, SIGRTMAX}) {
+    interrupt(
+        heibai + "rgba /dev/zero out", [this] { return !listFolder().empty(); }, signal);
+    EXPECT_EQ(listFolder(), Words{}) << strsignal(signal);
+  }
+}
+
+TEST_F(FrameTest, AFullDiskIsNamedAndLeavesNothingHalfWritten) {
+  const auto expectFailure = [this](const std::string& command, const std::string& said) {
+    const ToolResult result = runShell(command);
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_TRUE(says(result.error, said));
+    EXPECT_EQ(result.output, "");
+  };
+  const std::string endless = "lumora " + heibai + "rgba /dev/zero ";
+  expectFailure("ulimit -f 200; exec " + endless + "out", "out: writing failed: File too large");
+  expectFailure(endless + "/dev/full", "/dev/full: writing failed: No space left");
+  expectFailure("(" + endless + "-; echo $? >&2) | head -c 10 >/dev/null; exit 1",
+                "standard output: writing failed: Broken pipe\n1\n");
   EXPECT_EQ(listFolder(), Words{});
+
+  const std::string mount = "mkdir disk; mount -t tmpfs -o size=200k tmpfs disk";
+  const std::string alone = "exec unshare --user --map-root-user --mount sh -c '" + mount;
+  if (runShell(alone + "; rmdir disk; true'").exitCode != 0) GTEST_SKIP() << "no file systems";
+  expectFailure(alone + "; " + endless + "disk/out; code=$?; ls -A disk; exit $code'",
+                "disk/out: writing failed: No space left");
+}
+
+// The library's lines go to standard error then.
+TEST_F(FrameTest, LinesThatNobodyReadsEndNothing) {
+  const Frames frames = noiseFrames(PixelFormat::kNv12, 300);
+  writeFile("in", frames.before);
+  shell("(lumora " + heibai +
+        "nv12 --verbose in out; echo $? > code) 2>&1 | head -c 1 > /dev/null");
+  EXPECT_EQ(shell("cat code"), "0\n");
+  EXPECT_EQ(readFile("out"), frames.after);
 }
 
 }  // namespace

@@ -38,6 +38,18 @@ TEST_F(ResourceCommands, PackCreateTakesTheUsersPictures) {
   EXPECT_EQ(pack, built);
 }
 
+// A pack grows step by step, in folders that are made, and textures go back in unchanged.
+TEST_F(ResourceCommands, PackCreateStartsFromAnotherPack) {
+  writePicture("wide.png", 300, 50);
+  succeed("pack create --out a/mixIm.dat --slot leak2=wide.png");
+  succeed("pack extract a/mixIm.dat a/textures");
+  succeed("pack create --from a/mixIm.dat --out b/c/mixIm.dat --slot leak2=a/textures/leak2.png");
+  EXPECT_EQ(readFile("b/c/mixIm.dat"), readFile("a/mixIm.dat"));
+  EXPECT_NE(readFile("b/c/mixIm.dat"), readFile("built.dat"));
+  refuse(1, "pack create --force --from a/mixIm.dat --out a/mixIm.dat", "a/mixIm.dat");
+  refuse(3, "pack create --from wide.png --out d.dat", "wide.png: has ");
+}
+
 TEST_F(ResourceCommands, PackCheckNamesTheFirstFault) {
   Bytes pack = readFile("built.dat");
   pack[11] = 5;
@@ -71,13 +83,14 @@ TEST_F(ResourceCommands, TheDefaultTuningChangesNoPicture) {
   shell("cmp default.xml '" LUMORA_SOURCE_DIRECTORY "/packaging/filter.xml'");
   writePicture("in.png");
   for (const TuningBlock& block : kTuningBlocks) {
-    if (block.mode == LUMORA_MODE_LAODIANYING) continue;  // its marks lie elsewhere every time
+    const ModeFacts& mode = modeOf(block);
+    if (mode.number == LUMORA_MODE_LAODIANYING) continue;  // its marks lie elsewhere every time
     for (const char* strength : {"7", "16", "25", "32"}) {
       const std::string apply =
-          "apply -l " + std::to_string(block.mode) + " -s " + strength + " in.png ";
+          "apply --force -l " + std::to_string(mode.number) + " -s " + strength + " in.png ";
       succeed(apply + "plain.png");
       succeed(apply + "tuned.png --params default.xml");
-      EXPECT_EQ(readFile("plain.png"), readFile("tuned.png")) << block.look << " at " << strength;
+      EXPECT_EQ(readFile("plain.png"), readFile("tuned.png")) << mode.name << " at " << strength;
     }
   }
 }
@@ -89,9 +102,9 @@ TEST_F(ResourceCommands, TuneCheckSaysWhatBecomesOfEveryBlock) {
   const std::string report = succeed("tune --check mine.xml");
   EXPECT_EQ(std::count(report.begin(), report.end(), '\n'), 1 + kTuningBlockCount);
   for (const char* line :
-       {"mine.xml: read\n", "\n  filterA  MORAN           missing key /Config/filterA/param1\n",
-        "\n  filterE  LAODIANYING     in use\n",
-        "\n  filterM  LOFI            too few numbers: /Config/filterM/param1 holds 3 of 17\n"}) {
+       {"mine.xml: read\n", "\n  filterA  moran           missing key /Config/filterA/param1\n",
+        "\n  filterE  laodianying     in use\n",
+        "\n  filterM  lofi            too few numbers: /Config/filterM/param1 holds 3 of 17\n"}) {
     EXPECT_TRUE(says(report, line));
   }
   writeFile("broken.xml", text.substr(0, 60));

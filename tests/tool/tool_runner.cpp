@@ -2,6 +2,8 @@
 
 #include <signal.h>
 #include <stdlib.h>
+#include <string.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -67,13 +69,15 @@ void ToolTest::refuse(int exitCode, const std::string& arguments, const std::str
   EXPECT_FALSE(says(result.error, "status")) << "lumora " << arguments;
 }
 
-void ToolTest::interrupt(const std::string& arguments,
-                         const std::function<bool()>& isFarEnough) const {
+void ToolTest::interrupt(const std::string& arguments, const std::function<bool()>& isFarEnough,
+                         int signal) const {
   const std::string command = "cd '" + folder_.path() + "' && exec lumora " + arguments;
   const pid_t tool = ::fork();
   if (tool == 0) {
     // Where the tests run in the background interrupts are ignored, and so the tool would.
-    ::signal(SIGINT, SIG_DFL);
+    ::signal(signal, SIG_DFL);
+    const rlimit noCoreFile{0, 0};
+    ::setrlimit(RLIMIT_CORE, &noCoreFile);
     ::execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
     ::_exit(127);
   }
@@ -82,9 +86,9 @@ void ToolTest::interrupt(const std::string& arguments,
     ASSERT_EQ(::waitpid(tool, &status, WNOHANG), 0) << "it has ended by itself";
     ::usleep(1000);
   }
-  ASSERT_EQ(::kill(tool, SIGINT), 0);
+  ASSERT_EQ(::kill(tool, signal), 0);
   ASSERT_EQ(::waitpid(tool, &status, 0), tool);
-  EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT);
+  EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal) << strsignal(signal);
 }
 
 }  // namespace lumora::test

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -55,8 +56,9 @@ class ToolTest : public testing::Test {
   }
   // Expects that nothing is put out and these words are said.
   void refuse(int exitCode, const std::string& arguments, const std::string& said) const;
-  // Starts the tool and interrupts it when it is far enough, which has to end it.
-  void interrupt(const std::string& arguments, const std::function<bool()>& isFarEnough) const;
+  // Starts the tool and sends it the signal when it is far enough, which has to end it.
+  void interrupt(const std::string& arguments, const std::function<bool()>& isFarEnough,
+                 int signal = SIGINT) const;
 
  private:
   ResourceDirectory folder_;
