@@ -13,7 +13,7 @@ bool registersAll = false;
 
 // Work that the calling thread's processor time does not tell all about.
 bool usesThreads(const std::string& name) {
-  for (const char* part : {"/t4", "init/", "threads/", "peer/vips/"}) {
+  for (const char* part : {"/t4", "init/", "threads/"}) {
     if (name.find(part) != std::string::npos) return true;
   }
   return false;

@@ -11,6 +11,7 @@
 #include <tuple>
 #include <vector>
 
+#include "resources/resource_files.h"
 #include "resources/texture_pack.h"
 
 namespace {
@@ -77,7 +78,7 @@ class NoisePack {
     for (std::uint8_t& byte : pack) byte = static_cast<std::uint8_t>(noise() >> 8);
     std::memcpy(pack.data(), kPackSizeBytes, sizeof kPackSizeBytes);
     std::memcpy(pack.data() + kPackMarkOffset, kPackMark, sizeof kPackMark);
-    std::ofstream(directory_ / "mixIm.dat", std::ios::binary)
+    std::ofstream(directory_ / kPackName, std::ios::binary)
         .write(reinterpret_cast<const char*>(pack.data()), kPackBytes);
   }
   ~NoisePack() {
@@ -94,7 +95,7 @@ std::string givenDirectory;
 
 bool holdsPack(const std::string& directory) {
   std::error_code error;
-  return std::filesystem::file_size(directory + "mixIm.dat", error) == kPackBytes && !error;
+  return std::filesystem::file_size(directory + kPackName, error) == kPackBytes && !error;
 }
 
 std::uint32_t initialise(std::uint32_t mode, Size size, Memory memory, FilterHandle** handle) {

@@ -1,6 +1,6 @@
 #include "limit.h"
 
-#include "looks/colour/vectors.h"
+#include "pixels/vectors.h"
 
 namespace lumora::HWY_NAMESPACE {
 namespace {

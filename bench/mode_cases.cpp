@@ -1,29 +1,47 @@
 // Every mode through the exported functions: MODE/format/size/s<strength>/t<threads>/<textures>.
 // Textures are prepared at the picture's size, or resampled for every call (percall).
 #include <algorithm>
+#include <string>
 #include <vector>
 
 #include "cases.h"
 #include "host.h"
+#include "modes/modes.h"
 
 namespace lumora::bench {
 namespace {
 
 enum class Textures { kPrepared, kPerCall };
 
-// Whether a handle without a size costs the mode more.
-enum class Needs { kPicture, kTextureToo };
-
 using FillSettings = void (*)(FilterAlbumParam& param, Size size);
 
 struct ModeWork {
-  const char* name;
-  std::uint32_t mode;
-  Needs needs;
+  const ModeFacts* facts;
   FillSettings fill = nullptr;  // settings beyond mode and strength
-  bool isRgbaOnly = false;
-  std::vector<int> strengths = {8, 16, 32};
-  int targetStrength = 16;
+  const char* variant = "";
+
+  bool isLevel() const { return facts->strength == StrengthUse::kBlurLevel; }
+  int targetStrength() const { return isLevel() ? 3 : LUMORA_FULL_STRENGTH; }
+  // Whether a handle without a size costs more.
+  bool needsTexture() const {
+    return facts->texture || facts->number == LUMORA_MODE_MEISHIMENGHUAN;
+  }
+
+  std::string name() const {
+    std::string name = capitals(facts->name).text;
+    std::erase(name, '-');
+    return name + variant;
+  }
+  std::vector<int> strengths() const {
+    // One look at more strengths, to show what they cost.
+    if (facts->number == LUMORA_MODE_RIXI) return {0, 4, 8, 12, 15, 16, 24, 32};
+    switch (facts->strength) {
+      case StrengthUse::kBlurLevel: return {1, 3, 16, 32};
+      case StrengthUse::kUnused: return {16};
+      case StrengthUse::kBlend: return {8, 16};
+      default: return {8, 16, 32};
+    }
+  }
 };
 
 void fillMosaic(FilterAlbumParam& param, Size size) {
@@ -66,42 +84,24 @@ void fillTiltShift(FilterAlbumParam& param, Size size) {
                        size.height * 60 / 100, 16};
 }
 
-const std::vector<ModeWork>& modeWorks() {
-  static const std::vector<ModeWork> works = {
-      {"HEIBAI", LUMORA_MODE_HEIBAI, Needs::kPicture},
-      {"MORAN", LUMORA_MODE_MORAN, Needs::kPicture},
-      // One look at more strengths, to show what they cost.
-      {"RIXI", LUMORA_MODE_RIXI, Needs::kPicture, nullptr, false, {0, 4, 8, 12, 15, 16, 24, 32}},
-      {"FUGU", LUMORA_MODE_FUGU, Needs::kPicture},
-      {"VALENCIA", LUMORA_MODE_VALENCIA, Needs::kPicture},
-      {"NUANYANGYANG", LUMORA_MODE_NUANYANGYANG, Needs::kPicture},
-      {"TIANMEIKEREN", LUMORA_MODE_TIANMEIKEREN, Needs::kPicture},
-      {"YUNDUAN", LUMORA_MODE_YUNDUAN, Needs::kTextureToo},
-      {"LIANGHONG", LUMORA_MODE_LIANGHONG, Needs::kTextureToo},
-      {"LOFI", LUMORA_MODE_LOFI, Needs::kTextureToo},
-      {"EARLYBIRD", LUMORA_MODE_EARLYBIRD, Needs::kTextureToo},
-      {"XPRO2", LUMORA_MODE_XPRO2, Needs::kTextureToo},
-      {"HUDSON", LUMORA_MODE_HUDSON, Needs::kTextureToo},
-      {"MYFAIR", LUMORA_MODE_MYFAIR, Needs::kTextureToo},
-      {"LAODIANYING", LUMORA_MODE_LAODIANYING, Needs::kTextureToo},
-      {"MEISHIMENGHUAN", LUMORA_MODE_MEISHIMENGHUAN, Needs::kTextureToo},
-      {"MOSAIC", LUMORA_MODE_MOSAIC, Needs::kPicture, fillMosaic, false, {8, 16}},
-      {"COLOURFIX", LUMORA_MODE_COLOUR_FIX, Needs::kPicture, fillColourFix, true, {16}},
-      {"COLOURFIX-MASK", LUMORA_MODE_COLOUR_FIX, Needs::kPicture, fillColourFixMask, true, {16}},
-      // The strength of these is their level.
-      {"BLUR", LUMORA_MODE_BLUR, Needs::kPicture, fillBlur, false, {1, 3, 16, 32}, 3},
-      {"TILTSHIFT",
-       LUMORA_MODE_TILT_SHIFT,
-       Needs::kPicture,
-       fillTiltShift,
-       false,
-       {1, 3, 16, 32},
-       3},
-  };
-  return works;
+FillSettings settingsOf(std::uint32_t mode) {
+  switch (mode) {
+    case LUMORA_MODE_MOSAIC: return fillMosaic;
+    case LUMORA_MODE_COLOUR_FIX: return fillColourFix;
+    case LUMORA_MODE_BLUR: return fillBlur;
+    case LUMORA_MODE_TILT_SHIFT: return fillTiltShift;
+    default: return nullptr;
+  }
 }
 
-bool isAlbumMode(std::uint32_t mode) { return mode >= LUMORA_MODE_COLOUR_FIX; }
+std::vector<ModeWork> modeWorks() {
+  std::vector<ModeWork> works;
+  for (const ModeFacts& mode : kModes) {
+    works.push_back({&mode, settingsOf(mode.number)});
+    if (mode.reads(kMask)) works.push_back({&mode, fillColourFixMask, "-MASK"});
+  }
+  return works;
+}
 
 struct ModeCase {
   ModeWork work;
@@ -112,15 +112,15 @@ struct ModeCase {
   Textures textures;
 
   std::string name() const {
-    return std::string(work.name) + "/" + format.name + "/" + size.name() + "/s" +
-           std::to_string(strength) + "/t" + std::to_string(threads) +
+    return work.name() + "/" + format.name + "/" + size.name() + "/s" + std::to_string(strength) +
+           "/t" + std::to_string(threads) +
            (textures == Textures::kPrepared ? "/prepared" : "/percall");
   }
 
   // What the targets are stated for; and of RGBA on one thread what the cost depends on: every
   // strength, or another size, or a texture stretched for the call.
   bool isQuick() const {
-    const bool isTarget = strength == work.targetStrength;
+    const bool isTarget = strength == work.targetStrength();
     if (threads == 1 && format.code == LUMORA_FORMAT_RGBA) {
       const int others = (isTarget ? 0 : 1) + (isTargetSize(size) ? 0 : 1) +
                          (textures == Textures::kPrepared ? 0 : 1);
@@ -128,18 +128,18 @@ struct ModeCase {
     }
     if (!isTargetSize(size) || textures == Textures::kPerCall) return false;
     if (format.code == LUMORA_FORMAT_NV21) return isTarget && threads == 1;
-    return isTarget || (threads == 1 && !isAlbumMode(work.mode) && strength % 8 == 0);
+    return isTarget || (threads == 1 && !work.facts->albumOnly && strength % 8 == 0);
   }
 };
 
 PictureWork modeCall(const ModeCase& c, FilterHandle* handle, const TestPicture& picture) {
   FilterAlbumParam settings{};
-  settings.stProcess.eMode = c.work.mode;
+  settings.stProcess.eMode = c.work.facts->number;
   settings.stProcess.effectRatio = c.strength;
   settings.stProcess.singleThread = c.threads == 1;
   if (c.work.fill != nullptr) c.work.fill(settings, c.size);
   const FilterImage image = picture.image();
-  return [=, isAlbum = isAlbumMode(c.work.mode)] {
+  return [=, isAlbum = c.work.facts->albumOnly] {
     FilterAlbumParam fresh = settings;
     return isAlbum ? filterProcess_for_album(handle, &image, &fresh)
                    : filterProcess(handle, &image, &fresh.stProcess);
@@ -162,10 +162,10 @@ void addModeCase(const ModeCase& c) {
 }
 
 void addModeCasesOf(const ModeWork& work, Format format, Size size) {
-  for (const int strength : work.strengths) {
+  for (const int strength : work.strengths()) {
     for (const int threads : {1, 4}) {
       addModeCase({work, format, size, strength, threads, Textures::kPrepared});
-      if (work.needs == Needs::kTextureToo) {
+      if (work.needsTexture()) {
         addModeCase({work, format, size, strength, threads, Textures::kPerCall});
       }
     }
@@ -177,7 +177,7 @@ void addModeCasesOf(const ModeWork& work, Format format, Size size) {
 void addModeCases() {
   for (const ModeWork& work : modeWorks()) {
     for (const Format format : kFormats) {
-      if (work.isRgbaOnly && format.code != LUMORA_FORMAT_RGBA) continue;
+      if (work.facts->rgbaOnly && format.code != LUMORA_FORMAT_RGBA) continue;
       for (const Size size : kSizes) addModeCasesOf(work, format, size);
     }
   }

@@ -53,12 +53,6 @@ void addPeerCases() {
 #if defined(LUMORA_PEER_OPENCV)
   addOpenCvCases();
 #endif
-#if defined(LUMORA_PEER_VIPS)
-  addVipsCases();
-#endif
-#if defined(LUMORA_PEER_AVFILTER)
-  addAvfilterCases();
-#endif
 }
 
 }  // namespace lumora::bench

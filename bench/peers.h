@@ -17,8 +17,6 @@ void addPeerCase(const char* library, const char* work, Format format, MakePeerW
 // Each in a file of its own, built where its library is present.
 void addLibyuvCases();
 void addOpenCvCases();
-void addVipsCases();
-void addAvfilterCases();
 
 // Three tables of 256 entries, a curve for each channel.
 struct ChannelTables {

@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
 """Writes docs/performance.md and its charts from the benchmark's JSON output.
 
-    bench/report.py RESULTS.json [--widest RESULTS.json] [--instructions COUNTS.json]
+    bench/report.py LUMORA RESULTS.json [--widest RESULTS.json] [--instructions COUNTS.json]
                     [--docs DIRECTORY]
 
+LUMORA: the command line tool, which knows the modes.
 --widest: results of another run, with the widest vectors that the processor has.
 --instructions: what bench/instructions.py has counted.
 """
@@ -11,21 +12,28 @@
 import argparse
 import json
 import pathlib
+import subprocess
 
 import charts
 from results import Results, Verdict, expand, thread_rows
 
 HERE = pathlib.Path(__file__).resolve().parent
-LOOKS = ["HEIBAI", "MORAN", "RIXI", "FUGU", "VALENCIA", "NUANYANGYANG", "TIANMEIKEREN", "YUNDUAN",
-         "LIANGHONG", "LOFI", "EARLYBIRD", "XPRO2", "HUDSON", "MYFAIR", "LAODIANYING",
-         "MEISHIMENGHUAN"]
-EFFECTS = [("MOSAIC", 16), ("COLOURFIX", 16), ("COLOURFIX-MASK", 16), ("BLUR", 1), ("BLUR", 3),
-           ("TILTSHIFT", 3)]
-MODES = [(look, 16) for look in LOOKS] + EFFECTS
 FORMATS = ["rgba", "nv21", "nv12"]
 SIZES = ["1280x720", "1920x1080", "4000x3000"]
 STRENGTHS = [0, 4, 8, 12, 15, 16, 24, 32]
-LIBRARIES = ["libyuv", "opencv", "vips", "avfilter"]
+# (name, strength) of the works with a mode, in the order of the modes; main() asks the tool.
+MODES = []
+
+
+def modes_of(lumora):
+    """Modes with a level at two of them, those that read a mask with one too."""
+    modes = []
+    for look in json.loads(subprocess.check_output([lumora, "looks", "--json"])):
+        name = look["name"].upper().replace("-", "")
+        modes += [(name, s) for s in ([1, 3] if "blur" in look["strength"] else [16])]
+        if any(option["option"] == "--mask" for option in look["options"]):
+            modes.append((name + "-MASK", 16))
+    return modes
 
 
 def case(mode, form, size="4000x3000", strength=16, threads=1, textures="prepared"):
@@ -44,7 +52,7 @@ def table(head, rows):
 
 
 def mode_name(mode, strength):
-    return f"{mode} level {strength}" if mode in ("BLUR", "TILTSHIFT") else mode
+    return f"{mode} level {strength}" if strength != 16 else mode
 
 
 def targets_table(results, targets, widest):
@@ -90,12 +98,12 @@ def instructions_table(results, counts):
     return table(["Mode", "rgba a pixel", "a nanosecond", "nv12 a pixel", "a nanosecond"], rows)
 
 
-def columns_table(results, head, columns, form="rgba", modes=MODES, column="ms"):
+def columns_table(results, head, columns, form="rgba", modes=None, column="ms"):
     """One row per mode; columns: keyword arguments of case()."""
     rows = [[mode_name(mode, strength)]
             + [number(results.get(case(mode, form, **{"strength": strength, **wanted}), column))
                for wanted in columns]
-            for mode, strength in modes]
+            for mode, strength in modes or MODES]
     return table(["Mode"] + head, rows)
 
 
@@ -133,11 +141,12 @@ def steps_table(results):
 
 
 def peers_table(results):
+    libraries = sorted({name.split("/")[1] for name in results.cases if name.startswith("peer/")})
     works = sorted({"/".join(name.split("/")[2:4]) for name in results.cases
                     if name.startswith("peer/")})
-    return table(["Work"] + LIBRARIES,
+    return table(["Work"] + libraries,
                  [[work] + [number(results.get(f"peer/{library}/{work}/4000x3000"))
-                            for library in LIBRARIES] for work in works])
+                            for library in libraries] for work in works])
 
 
 def write_charts(results, targets, directory):
@@ -185,10 +194,12 @@ def document(results, targets, rule, widest, counts):
         "SIZES": columns_table(results, SIZES, [{"size": size} for size in SIZES]),
         "STRENGTHS": columns_table(results, ["8", "16", "32"],
                                    [{"strength": s} for s in (8, 16, 32)], column="x_limit",
-                                   modes=[(look, 16) for look in LOOKS]),
+                                   modes=[m for m in MODES
+                                          if results.get(case(m[0], "rgba", strength=32))]),
         "PERCALL": columns_table(results, ["prepared", "per call"],
                                  [{}, {"textures": "percall"}], column="x_limit",
-                                 modes=[(look, 16) for look in LOOKS[7:]]),
+                                 modes=[m for m in MODES
+                                        if results.get(case(m[0], "rgba", textures="percall"))]),
         "ALLOCATORS": default_allocator_table(results),
         "THREADS": threads_table(results, rule),
         "STEPS": steps_table(results),
@@ -203,11 +214,13 @@ def document(results, targets, rule, widest, counts):
 
 def main():
     parser = argparse.ArgumentParser(usage=__doc__)
+    parser.add_argument("lumora")
     parser.add_argument("results")
     parser.add_argument("--widest")
     parser.add_argument("--instructions", type=pathlib.Path)
     parser.add_argument("--docs", type=pathlib.Path, default=HERE.parent / "docs")
     arguments = parser.parse_args()
+    MODES.extend(modes_of(arguments.lumora))
     results = Results(arguments.results)
     widest = Results(arguments.widest) if arguments.widest else None
     counts = json.loads(arguments.instructions.read_text()) if arguments.instructions else {}

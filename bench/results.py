@@ -55,15 +55,25 @@ def strength_variant(name, strength):
     return re.sub(r"/s\d+/", f"/s{strength}/", name)
 
 
+# What a case adds to the one that it is measured against: the column, and that one's name.
+ADDED = {
+    "added": ("x_limit", lambda name: strength_variant(name, 16)),
+    "added_default": ("x_default", lambda name: strength_variant(name, 16)),
+    "added_percall": ("x_limit", lambda name: name.replace("/percall", "/prepared")),
+    "added_percall_default": ("x_default", lambda name: name.replace("/percall", "/prepared")),
+}
+
+
 def measured(results, target, name):
     measure = target.get("measure", "x_limit")
-    value = results.get(name, "x_limit" if measure in ("strength32", "added") else measure)
-    if value is None or measure not in ("strength32", "added"):
-        return value
-    plain = results.get(strength_variant(name, 16))
-    if plain is None:
-        return None
-    return value / plain if measure == "strength32" else value - plain
+    if measure == "strength32":
+        value, plain = results.get(name), results.get(strength_variant(name, 16))
+        return None if value is None or plain is None else value / plain
+    if measure in ADDED:
+        column, plain_name = ADDED[measure]
+        value, plain = results.get(name, column), results.get(plain_name(name))
+        return None if value is None or plain is None else value - plain
+    return results.get(name, measure)
 
 
 class Verdict:

@@ -3,10 +3,10 @@
 #include <cstring>
 
 #include "cases.h"
-#include "effects/gaussian.h"
+#include "effects/smoothing/gaussian.h"
 #include "host.h"
-#include "pipeline/strength_blend.h"
-#include "pipeline/stripe_runner.h"
+#include "pixels/blend_kernel.h"
+#include "platform/stripe_runner.h"
 #include "resources/resample.h"
 #include "resources/texture_pack.h"
 
@@ -30,45 +30,35 @@ void addCopyCase(Format format, Size size) {
   });
 }
 
-// blend/format/size/t<threads>
-void addBlendCase(Format format, Size size, int threads) {
-  const std::string name =
-      std::string("blend/") + format.name + "/" + size.name() + "/t" + std::to_string(threads);
+// blend/format/size/t1: mixing as the tiles of the film do it, here on a whole picture.
+void addBlendCase(Format format, Size size) {
+  const std::string name = std::string("blend/") + format.name + "/" + size.name() + "/t1";
   addCase(name, isTargetSize(size) && format.code != LUMORA_FORMAT_NV21, [=] {
     const auto picture = std::make_shared<TestPicture>(format, size);
     return Subject{pictureRound(picture,
                                 [=] {
-                                  std::uint8_t* const data = picture->data();
-                                  const std::uint8_t* const copy = picture->original();
-                                  if (threads == 4) {
-                                    return static_cast<std::uint32_t>(FilterBlend_multiThread(
-                                        copy, data, picture->bytes, kBlendWeight));
-                                  }
-                                  FilterBlend(copy, data, picture->bytes, kBlendWeight);
+                                  kBlend()(picture->original(), picture->data(), picture->bytes,
+                                           kBlendWeight);
                                   return std::uint32_t{0};
                                 }),
                    size.pixels()};
   });
 }
 
-struct NoWork {};
-
 // What four-threaded steps cost beyond their work.
 void addThreadCase() {
   addCase("threads/start-join", true, [] {
     const auto picture = std::make_shared<TestPicture>(kRgba, kTargetSize);
     return Subject{pictureRound(picture, [] {
-      const std::array<NoWork, kStripeCount> nothing{};
-      return static_cast<std::uint32_t>(StripeRunner::run<NoWork>([](const NoWork&) {}, nothing));
+      return static_cast<std::uint32_t>(StripeRunner::run(Stripes{}, [](const Stripe&, int) {}));
     })};
   });
 }
 
-// resize<channels>/size/t<threads>: a texture of the pack to the picture's size, into a part of the
+// resize<channels>/size/t1: a texture of the pack to the picture's size, into a part of the
 // picture's memory; against the limit of the whole RGBA picture.
-void addResizeCase(std::int32_t channels, Size size, int threads) {
-  const std::string name =
-      "resize" + std::to_string(channels) + "/" + size.name() + "/t" + std::to_string(threads);
+void addResizeCase(std::int32_t channels, Size size) {
+  const std::string name = "resize" + std::to_string(channels) + "/" + size.name() + "/t1";
   addCase(name, isTargetSize(size), [=] {
     const PackImage& image = kPackImages[channels == kFormatGray ? kSlotShade : kSlotLeak0];
     const auto picture = std::make_shared<TestPicture>(kRgba, size);
@@ -76,14 +66,15 @@ void addResizeCase(std::int32_t channels, Size size, int threads) {
     std::memcpy(texture.get(), picture->original(), image.bytes());
     return Subject{pictureRound(picture,
                                 [=, from = image.size] {
-                                  if (threads == 4) {
-                                    return static_cast<std::uint32_t>(
-                                        MixImgResize(channels, from.width, from.height, size.width,
-                                                     size.height, texture.get(), picture->data()));
-                                  }
-                                  (channels == kFormatGray ? MixImgResizeGray : MixImgResizeRGB)(
-                                      from.width, from.height, size.width, size.height,
-                                      texture.get(), picture->data());
+                                  MixImgResizeStripe({.src = texture.get(),
+                                                      .dst = picture->data(),
+                                                      .srcWidth = from.width,
+                                                      .srcHeight = from.height,
+                                                      .dstWidth = size.width,
+                                                      .dstHeight = size.height,
+                                                      .firstRow = 0,
+                                                      .endRow = size.height,
+                                                      .format = channels});
                                   return std::uint32_t{0};
                                 }),
                    size.pixels()};
@@ -151,17 +142,14 @@ void addStepCases() {
   for (const Format format : kFormats) {
     for (const Size size : kSizes) {
       addCopyCase(format, size);
-      addBlendCase(format, size, 1);
-      addBlendCase(format, size, 4);
+      addBlendCase(format, size);
     }
   }
   addThreadCase();
   addGaussianCase(kTargetSize);
   for (const Size size : kSizes) {
-    for (const int threads : {1, 4}) {
-      addResizeCase(kFormatGray, size, threads);
-      addResizeCase(kFormatRGB, size, threads);
-    }
+    addResizeCase(kFormatGray, size);
+    addResizeCase(kFormatRGB, size);
   }
   addInitCase("all", LUMORA_MODE_ANY, {0, 0});
   for (const Size size : kSizes) {
