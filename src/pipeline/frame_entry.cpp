@@ -27,11 +27,6 @@ bool isBlended(std::uint32_t mode, int ratio) {
   return ratio < LUMORA_FULL_STRENGTH && (facts == nullptr || facts->isBlended());
 }
 
-std::uint64_t pictureBytes(const FilterImage& image) {
-  const auto plane = static_cast<std::uint64_t>(image.stride) * image.height;
-  return image.eFormat == LUMORA_FORMAT_RGBA ? plane : plane * 3 / 2;
-}
-
 Call makeCall(FilterHandle* handle, const FilterImage& image, const FilterProcessParam& param,
               const FilterAlbumParam* album, const MosaicRect& rect) {
   const Picture picture{static_cast<PixelFormat>(image.eFormat), image.picData,
@@ -78,7 +73,7 @@ Status processFrame(FilterHandle* handle, const FilterImage* image, FilterProces
   Call call = makeCall(handle, *image, *param, album, rect);
   HostBlock copy;
   if (isBlended(call.mode, call.ratio)) {
-    copy = HostBlock(call.handle.allocator(), pictureBytes(*image));
+    copy = HostBlock(call.handle.allocator(), call.picture.bytes());
     if (!copy) {
       return fail(Status::kNoMemory, image->eFormat == LUMORA_FORMAT_NV21
                                          ? "[%s] Mem malloc error!\n"

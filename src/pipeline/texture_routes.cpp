@@ -1,7 +1,11 @@
+#include <cstring>
+
 #include "looks/texture/aged_film.h"
 #include "pipeline/routes.h"
+#include "pixels/blend_kernel.h"
 #include "platform/host_block.h"
 #include "platform/log.h"
+#include "platform/stripe_runner.h"
 #include "resources/resample.h"
 #include "resources/stretched_texture.h"
 
@@ -62,11 +66,26 @@ void fillMarks(const Call& call, const MarkBuffer& marks, std::uint8_t* grain,
   resampleNearest(held.speck, handle.speck(), small.speck, marks.speck.texels);
 }
 
+// On the calling thread the picture as it was is mixed in on the way, on four by a step of their
+// own.
 Status runFilm(const Call& call, const ModeRow& row, const TextureSource& shade,
                const MarkBuffer& marks) {
-  return reported(call, row,
-                  runAgedFilm(call.picture, {shade, tuningBlock(call), call.ratio}, marks,
-                              call.copy, call.threads));
+  const Picture& picture = call.picture;
+  const auto run = [&](std::uint8_t* copy) {
+    const LookInputs inputs{shade, tuningBlock(call), call.ratio};
+    return reported(call, row, runAgedFilm(picture, inputs, marks, copy, call.threads));
+  };
+  if (call.copy == nullptr || call.threads == Threads::kCaller) return run(call.copy);
+
+  const std::uint64_t bytes = picture.bytes();
+  std::memcpy(call.copy, picture.data, static_cast<std::size_t>(bytes));
+  const Status filtered = run(nullptr);
+  const Status mixed =
+      StripeRunner::run(splitBytes(static_cast<std::int64_t>(bytes)), [&](const Stripe& s, int) {
+        kBlend()(call.copy + s.first, picture.data + s.first, static_cast<std::size_t>(s.count),
+                 call.ratio);
+      });
+  return filtered != Status::kOk ? filtered : mixed;
 }
 
 }  // namespace

@@ -25,6 +25,11 @@ struct Picture {
   std::ptrdiff_t strideBytes;
 
   bool isRgba() const { return format == PixelFormat::kRgba; }
+  // Of all planes, with what lies between rows.
+  std::uint64_t bytes() const {
+    const auto plane = static_cast<std::uint64_t>(strideBytes) * heightRows;
+    return isRgba() ? plane : plane * 3 / 2;
+  }
   std::uint8_t* row(std::ptrdiff_t y) const { return data + y * strideBytes; }
   // NV pictures: the plane of chroma pairs, row m belongs to the luma rows 2m and 2m + 1.
   std::uint8_t* chroma() const { return row(heightRows); }

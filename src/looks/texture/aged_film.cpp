@@ -55,7 +55,7 @@ Status runAgedFilm(const Picture& picture, const LookInputs& inputs, const MarkB
                    std::uint8_t* copy, Threads threads) {
   const FilmAge age(picture, marks);
   const Look& tint = kLaodianying();
-  const bool isMixed = inputs.ratio < LUMORA_FULL_STRENGTH;
+  const bool isMixed = copy != nullptr;
   const std::int64_t rows = tileRows(picture);
   return overStripes(
       threads, picture.heightRows, splitOf(picture), [&](const Stripe& stripe, int k) {
