@@ -177,6 +177,25 @@ TEST_F(LimitsTest, HeadersThatPromiseTooMuchAreRefusedBeforeAnythingIsDecoded) {
   }
 }
 
+TEST_F(LimitsTest, ACodedPictureLargerThanItsHeaderSaysIsRefused) {
+  for (const auto& [format, side] : {std::pair("avif", 8000), {"heic", 6000}}) {
+    const std::string name = std::string("in.") + format;
+    VImage::black(side, side, VImage::option()->set("bands", 3))
+        .heifsave(pathOf(name).c_str(),
+                  VImage::option()
+                      ->set("effort", 0)
+                      ->set("compression", name == "in.avif" ? VIPS_FOREIGN_HEIF_COMPRESSION_AV1
+                                                             : VIPS_FOREIGN_HEIF_COMPRESSION_HEVC));
+    Bytes file = withSize(readFile(name), format, side, 200);
+    file = withSize(file, format, side, 200);
+    writeFile(name, file);
+    refuseCheaply("lumora apply -l heibai " + name + " o.png",
+                  name + ": cannot be read, it seems damaged: ");
+    refuseCheaply("cat " + name + " | lumora apply -l heibai - o.png",
+                  "standard input: cannot be read, it seems damaged: ");
+  }
+}
+
 TEST_F(LimitsTest, TextsThatUnpackToGigabytesAreRefused) {
   const std::string content = "a keyword";
   for (const auto& [type, count, isRefused] :

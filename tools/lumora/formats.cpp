@@ -68,9 +68,9 @@ constexpr std::array kFormats = {
            "VipsForeignLoadTiff", "compression=deflate,predictor=horizontal", false, true},
     // The default effort would take the better part of a minute.
     Format{FormatKind::kAvif, "AVIF", kAvifSuffixes, isAvif, VImage::heifload_source,
-           "VipsForeignLoadHeif", "compression=av1,effort=2", true, true},
+           "VipsForeignLoadHeif", "compression=av1,effort=2", true, true, true},
     Format{FormatKind::kHeic, "HEIC", kHeicSuffixes, isHeic, VImage::heifload_source,
-           "VipsForeignLoadHeif", "compression=hevc", true, true},
+           "VipsForeignLoadHeif", "compression=hevc", true, true, true},
     Format{FormatKind::kGif, "GIF", kGifSuffixes, isGif, VImage::gifload_source,
            "VipsForeignLoadNsgif", nullptr, false, false},
 };

@@ -23,6 +23,7 @@ struct Format {
   const char* saverOptions;  // null: is not written
   bool hasQuality;
   bool hasAlpha;
+  bool hidesSize = false;  // the coded picture may be larger than the file's header says
 };
 
 inline constexpr std::size_t kRecognisedBytes = 16;

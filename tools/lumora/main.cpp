@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "commands.h"
+#include "decoding_process.h"
 #include "errors.h"
 #include "lumora/filters.h"
 #include "standard_descriptors.h"
@@ -94,6 +95,7 @@ int main(int argc, char** argv) {
   try {
     occupyStandardDescriptors();
     removeTemporariesOnInterrupt();
+    if (isDecodingProcess(argc, argv)) return decodeStandardInput(argc, argv);
     const int code = run(argc, argv, context);
     finishListing();
     return code;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "colours.h"
+#include "decoding_process.h"
 #include "errors.h"
 #include "filter.h"
 #include "image_library.h"
@@ -17,18 +18,10 @@ using vips::VImage;
 
 constexpr const char* kUnreadable = "cannot be read, it seems damaged";
 
-// The file's header; pixels are decoded as they are asked for, once and from top to bottom.
+// Pixels are not decoded, or decoded as they are asked for, from top to bottom.
 VImage open(const PictureFile& file) {
   if (file.format().kind == FormatKind::kPng) requireFewTexts(file);
-  VImage image = file.format()
-                     .load(file.source(), VImage::option()
-                                              ->set("access", VIPS_ACCESS_SEQUENTIAL)
-                                              ->set("fail_on", VIPS_FAIL_ON_TRUNCATED))
-                     .copy();
-  // libvips forgets a worker's error when another worker has meanwhile come to the picture's end:
-  // the damaged part would be black, and all seem well. So one worker decodes.
-  image.set(VIPS_META_CONCURRENCY, 1);
-  return image;
+  return file.image();
 }
 
 Size sizeOf(const VImage& image) {
@@ -43,15 +36,20 @@ void requireDecodableSize(const VImage& image) {
                           LUMORA_LONGEST_SIDE, " on either side can be read"));
 }
 
+// What the header says of the size is checked by now.
+VImage decodable(const VImage& header, const PictureFile& file) {
+  return file.format().hidesSize ? decodeApart(header, file) : header;
+}
+
 // Turning needs rows in another order than the file has them.
 VImage turnUpright(const VImage& image) {
   return vips_image_get_orientation(image.get_image()) > 1 ? image.copy_memory().autorot() : image;
 }
 
 host::Mask readMask(const PictureFile& file) {
-  const VImage image = open(file);
-  requireDecodableSize(image);
-  const VImage rgb = turnUpright(toRgb(image).image);
+  const VImage header = open(file);
+  requireDecodableSize(header);
+  const VImage rgb = turnUpright(toRgb(decodable(header, file)).image);
   const VImage levels = rgb.extract_band(0, VImage::option()->set("n", 3)).bandor();
   std::size_t bytes = 0;
   const VipsBytes samples(static_cast<std::uint8_t*>(levels.write_to_memory(&bytes)));
@@ -112,17 +110,18 @@ std::vector<std::uint8_t> encode(const VImage& image, const Metadata& metadata,
 VImage readImage(const std::string& path) {
   const PictureFile file(path);
   return explaining(kUnreadable, [&] {
-    const VImage image = open(file);
-    requireDecodableSize(image);
-    return turnUpright(toRgb(image).image);
+    const VImage header = open(file);
+    requireDecodableSize(header);
+    return turnUpright(toRgb(decodable(header, file)).image);
   });
 }
 
 Photograph Photograph::read(const std::string& path, ProfileUse use) {
   const PictureFile file(path);
   return explaining(kUnreadable, [&] {
-    const VImage image = open(file);
-    requirePictureSize(sizeOf(image));
+    const VImage header = open(file);
+    requirePictureSize(sizeOf(header));
+    const VImage image = decodable(header, file);
     const Rgb rgb = toRgb(image, use);
     Metadata metadata = readMetadata(image, rgb.image, file);
     metadata.lostProfile = rgb.lostProfile;

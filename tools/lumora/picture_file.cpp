@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -191,6 +192,34 @@ void PictureFile::takeStream() {
 vips::VSource PictureFile::source() const {
   return stream_ ? vips::VSource::new_from_blob(stream_.get())
                  : vips::VSource::new_from_descriptor(descriptor_);
+}
+
+vips::VImage PictureFile::image() const {
+  vips::VImage image = format_
+                           ->load(source(), vips::VImage::option()
+                                                ->set("access", VIPS_ACCESS_SEQUENTIAL)
+                                                ->set("fail_on", VIPS_FAIL_ON_TRUNCATED))
+                           .copy();
+  // libvips forgets a worker's error when another worker has meanwhile come to the picture's end:
+  // the damaged part would be black, and all seem well. So one worker decodes.
+  image.set(VIPS_META_CONCURRENCY, 1);
+  return image;
+}
+
+int PictureFile::duplicate() const {
+  if (!stream_) return ::fcntl(descriptor_, F_DUPFD_CLOEXEC, 0);
+  const int descriptor = ::memfd_create("picture", MFD_CLOEXEC);
+  std::size_t size = 0;
+  const auto* const all = static_cast<const char*>(vips_blob_get(stream_.get(), &size));
+  for (std::size_t done = 0; descriptor >= 0 && done < size;) {
+    const ssize_t count = ::write(descriptor, all + done, size - done);
+    if (count < 0) {
+      ::close(descriptor);
+      return -1;
+    }
+    done += static_cast<std::size_t>(count);
+  }
+  return descriptor;
 }
 
 bool PictureFile::read(std::uint64_t offset, void* bytes, std::size_t count) const {

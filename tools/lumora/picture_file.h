@@ -26,14 +26,18 @@ class PictureFile {
   ~PictureFile();
 
   const Format& format() const { return *format_; }
-  // For one pass over the file; outlives this object.
-  vips::VSource source() const;
+  // Its header is read; the pixels are decoded as they are asked for, once and from top to bottom,
+  // also when this object is gone. Throws a VError.
+  vips::VImage image() const;
+  // A descriptor of all its bytes, which becomes the caller's; negative by errno.
+  int duplicate() const;
   // False where the file does not have these bytes.
   bool read(std::uint64_t offset, void* bytes, std::size_t count) const;
 
  private:
   void open(const std::string& path);
   void takeStream();
+  vips::VSource source() const;
 
   struct BlobRelease {
     void operator()(VipsBlob* blob) const { vips_area_unref(VIPS_AREA(blob)); }
