@@ -15,13 +15,7 @@ HWY_INLINE V8 bytePairs(int first, int second) {
 
 // even u * even s + odd u * odd s, with s signed. The sums must lie within the signed lanes.
 HWY_INLINE VI16 multiplyAddPairs(V8 u, V8 s) {
-#if HWY_TARGET == HWY_AVX3
-  return VI16{_mm512_maddubs_epi16(u.raw, s.raw)};
-#elif HWY_TARGET == HWY_AVX2
-  return VI16{_mm256_maddubs_epi16(u.raw, s.raw)};
-#else
-  return VI16{_mm_maddubs_epi16(u.raw, s.raw)};
-#endif
+  return VI16{LUMORA_X86_INTRINSIC(maddubs_epi16)(u.raw, s.raw)};
 }
 
 // kEven * even byte + kOdd * odd byte of every pair.

@@ -68,15 +68,18 @@ HWY_INLINE V8 joinShifted(EvenOdd halves) {
 
 #if HWY_ARCH_X86
 
+// An instruction on whole vectors of the level, where Highway has no function that is just it.
+#if HWY_TARGET == HWY_AVX3
+#define LUMORA_X86_INTRINSIC(name) _mm512_##name
+#elif HWY_TARGET == HWY_AVX2
+#define LUMORA_X86_INTRINSIC(name) _mm256_##name
+#else
+#define LUMORA_X86_INTRINSIC(name) _mm_##name
+#endif
+
 // Clamps lanes to 0..255: within every 128-bit block the bytes of a, then those of b.
 HWY_INLINE V8 packClamped(VI16 a, VI16 b) {
-#if HWY_TARGET == HWY_AVX3
-  return V8{_mm512_packus_epi16(a.raw, b.raw)};
-#elif HWY_TARGET == HWY_AVX2
-  return V8{_mm256_packus_epi16(a.raw, b.raw)};
-#else
-  return V8{_mm_packus_epi16(a.raw, b.raw)};
-#endif
+  return V8{LUMORA_X86_INTRINSIC(packus_epi16)(a.raw, b.raw)};
 }
 
 HWY_INLINE V8 alternateHalves() {

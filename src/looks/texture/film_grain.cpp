@@ -39,12 +39,8 @@ HWY_INLINE VF32 quarter(V8 bytes) {
 
 // Highway's own conversion spends as much again on values outside the integers.
 HWY_INLINE hn::Vec<DI32> truncated(VF32 value) {
-#if HWY_TARGET == HWY_AVX3
-  return hn::Vec<DI32>{_mm512_cvttps_epi32(value.raw)};
-#elif HWY_TARGET == HWY_AVX2
-  return hn::Vec<DI32>{_mm256_cvttps_epi32(value.raw)};
-#elif HWY_ARCH_X86
-  return hn::Vec<DI32>{_mm_cvttps_epi32(value.raw)};
+#if HWY_ARCH_X86
+  return hn::Vec<DI32>{LUMORA_X86_INTRINSIC(cvttps_epi32)(value.raw)};
 #else
   return hn::ConvertTo(di32, value);
 #endif
