@@ -8,7 +8,7 @@
 #include "effects/pyramid/pyramid_memory.h"
 #include "effects/pyramid/up_scale.h"
 #include "effects/smoothing/binomial_blur.h"
-#include "looks/colour/colour_looks.h"
+#include "looks/looks.h"
 
 namespace lumora {
 namespace {

@@ -25,12 +25,12 @@ struct ModeRow {
   const Look& (*look)();    // null for the effects
   const char* lookRoutine;  // of the looks: the format and the look's name are put behind it
   RoutineNames effect;      // of the effects
-  const ModeFacts* facts = nullptr;
+  const ModeFacts* facts;
 
   const TextureUse& texture() const { return facts->texture; }
 };
 
-// The row of a mode in 1..20, null for any other.
+// The row of a mode, null for a number that is none.
 const ModeRow* findMode(std::uint32_t mode);
 
 }  // namespace lumora

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "effects/pyramid_reference.h"
-#include "looks/colour/colour_looks.h"
+#include "looks/looks.h"
 #include "support/captured_log.h"
 #include "support/everywhere.h"
 #include "support/test_handle.h"

@@ -4,8 +4,7 @@
 #include <array>
 #include <cstring>
 
-#include "looks/colour/colour_looks.h"
-#include "looks/texture/texture_looks.h"
+#include "looks/looks.h"
 
 namespace lumora::test {
 namespace {

@@ -1,8 +1,8 @@
 // Which texture, at which size and from where, a call hands to its look.
 #include <gtest/gtest.h>
 
+#include "looks/looks.h"
 #include "looks/texture/film_ageing.h"
-#include "looks/texture/texture_looks.h"
 #include "resources/resample.h"
 #include "support/mode_calls.h"
 

@@ -1,7 +1,7 @@
 // The looks that bend each channel by a curve of its own. Level sources only.
 #pragma once
 
-#include "looks/colour/colour_looks.h"
+#include "looks/looks.h"
 #include "looks/run_forms.h"
 
 namespace lumora::HWY_NAMESPACE {

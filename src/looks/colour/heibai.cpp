@@ -1,5 +1,5 @@
 // HEIBAI: black and white.
-#include "looks/colour/colour_looks.h"
+#include "looks/looks.h"
 #include "looks/run_forms.h"
 
 namespace lumora::HWY_NAMESPACE {

@@ -1,7 +1,7 @@
 // MEISHIMENGHUAN: the curves of the glow look, which deepen the shadows and lift the highlights. No
 // copy of the picture is blended into this look, so below the plain strength the curves themselves
 // go back toward the straight line.
-#include "looks/colour/colour_looks.h"
+#include "looks/looks.h"
 #include "looks/run_forms.h"
 
 namespace lumora::HWY_NAMESPACE {

@@ -1,5 +1,5 @@
 // MORAN: toned monochrome, shadows slightly lifted and mid-tones brightened by one curve.
-#include "looks/colour/colour_looks.h"
+#include "looks/looks.h"
 #include "looks/run_forms.h"
 
 namespace lumora::HWY_NAMESPACE {

@@ -1,5 +1,5 @@
 // TIANMEIKEREN: a warming, brightening mix of the channels in front of the curves.
-#include "looks/colour/colour_looks.h"
+#include "looks/looks.h"
 #include "looks/run_forms.h"
 
 namespace lumora::HWY_NAMESPACE {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "looks/texture/texture_looks.h"
+#include "looks/looks.h"
 #include "pixels/blend_kernel.h"
 
 namespace lumora {

@@ -1,8 +1,8 @@
 // What the steps of the texture looks share. Level sources only.
 #pragma once
 
+#include "looks/looks.h"
 #include "looks/run_forms.h"
-#include "looks/texture/texture_looks.h"
 
 namespace lumora::HWY_NAMESPACE {
 
