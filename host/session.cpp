@@ -3,6 +3,7 @@
 #include "host/log.h"
 #include "looks/texture/film_ageing.h"
 #include "platform/vector_level.h"
+#include "resources/resource_files.h"
 
 namespace lumora::host {
 namespace {
@@ -86,9 +87,8 @@ Result Session::open(const ModeFacts& mode, const std::string& resourceDir, Size
   Result result = explain(filterInit_APP(&handle_, &init));
   if (!result) close();
   if (result.trouble == Trouble::kResource) {
-    result.message = resourceDir +
-                     "mixIm.dat is no usable texture pack (the library says: " + result.message +
-                     ")";
+    result.message = resourceDir + kPackName +
+                     " is no usable texture pack (the library says: " + result.message + ")";
   }
   return result;
 }

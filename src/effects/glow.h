@@ -1,6 +1,7 @@
 // MEISHIMENGHUAN: a glow, then curves.
 #pragma once
 
+#include "lumora/filters.h"
 #include "platform/picture.h"
 #include "platform/status.h"
 
@@ -8,7 +9,7 @@ namespace lumora {
 
 // The glow's weight of 32 at a strength of 8..32.
 constexpr int GlowWeight(int ratio) {
-  return ratio <= 16 ? (19 * ratio) >> 4 : (7 * ratio + 192) >> 4;
+  return ratio <= LUMORA_FULL_STRENGTH ? (19 * ratio) >> 4 : (7 * ratio + 192) >> 4;
 }
 
 // How often the glow halves a picture with this shorter side.

@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "lumora/filters.h"
+#include "modes/joined_text.h"
 
 namespace lumora {
 
@@ -19,12 +20,37 @@ enum class StrengthUse : std::uint8_t {
   kUnused
 };
 
+// The texts that name limits, in the limits' own numbers.
+namespace mode_texts {
+
+inline constexpr JoinedText kFullAndStronger = joined(
+    LUMORA_FULL_STRENGTH, " full, ", LUMORA_FULL_STRENGTH + 1, "..", LUMORA_STRONGEST, " stronger");
+inline constexpr JoinedText kBlendAndCurves = joined("0 half effect, ", kFullAndStronger.text);
+inline constexpr JoinedText kBlend =
+    joined("0 half effect, ", LUMORA_FULL_STRENGTH, "..", LUMORA_STRONGEST, " full");
+inline constexpr JoinedText kOwn = joined("0 faint, ", kFullAndStronger.text);
+inline constexpr JoinedText kBlurLevel = joined("0 none, 1..", LUMORA_STRONGEST, " wider blur");
+
+inline constexpr JoinedText kMosaicSides =
+    joined(LUMORA_SHORTEST_MOSAIC_SIDE, "..", LUMORA_LONGEST_MOSAIC_SIDE);
+inline constexpr JoinedText kRect = joined("the rectangle, even numbers, sides ", kMosaicSides.text,
+                                           ";\ndefault: the middle half of the picture");
+inline constexpr JoinedText kBlock =
+    joined("edge of one block, ", kMosaicSides.text,
+           "; default: a twelfth of the\nrectangle's shorter side, at least ",
+           LUMORA_SHORTEST_MOSAIC_SIDE);
+inline constexpr JoinedText kCoreValue = joined("0..", LUMORA_STRONGEST);
+inline constexpr JoinedText kCore = joined("entirely sharp share of the band, in 1/",
+                                           LUMORA_STRONGEST, "; default ", LUMORA_STRONGEST / 2);
+
+}  // namespace mode_texts
+
 constexpr const char* describe(StrengthUse use) {
   switch (use) {
-    case StrengthUse::kBlendAndCurves: return "0 half effect, 16 full, 17..32 stronger";
-    case StrengthUse::kBlend: return "0 half effect, 16..32 full";
-    case StrengthUse::kOwn: return "0 faint, 16 full, 17..32 stronger";
-    case StrengthUse::kBlurLevel: return "0 none, 1..32 wider blur";
+    case StrengthUse::kBlendAndCurves: return mode_texts::kBlendAndCurves.text;
+    case StrengthUse::kBlend: return mode_texts::kBlend.text;
+    case StrengthUse::kOwn: return mode_texts::kOwn.text;
+    case StrengthUse::kBlurLevel: return mode_texts::kBlurLevel.text;
     case StrengthUse::kUnused: break;
   }
   return "not used";
@@ -99,10 +125,9 @@ inline constexpr int kAnyPlace = 1 << 30;  // positions may lie outside the pict
 inline constexpr std::array<SettingFacts, kSettingCount> kSettings{{
     {"direction", "0..3", 1, 0, 3, 0,
      "how the camera was held, in quarter turns; the light\nleak turns with it; default 0"},
-    {"rect", "X,Y,W,H", 4, 0, LUMORA_LONGEST_SIDE, kNoStandard,
-     "the rectangle, even numbers, sides 8..2000;\ndefault: the middle half of the picture"},
+    {"rect", "X,Y,W,H", 4, 0, LUMORA_LONGEST_SIDE, kNoStandard, mode_texts::kRect.text},
     {"block", "N", 1, LUMORA_SHORTEST_MOSAIC_SIDE, LUMORA_LONGEST_MOSAIC_SIDE, kNoStandard,
-     "edge of one block, 8..2000; default: a twelfth of the\nrectangle's shorter side, at least 8"},
+     mode_texts::kBlock.text},
     {"colour", "'#rrggbb'", 0, 0, 0, kNoStandard, "the colour that stays"},
     {"pick", "X,Y", 2, 0, LUMORA_LONGEST_SIDE, kNoStandard,
      "take the colour from this place of the picture"},
@@ -117,8 +142,8 @@ inline constexpr std::array<SettingFacts, kSettingCount> kSettings{{
      "two points on the edges of the sharp band,\n"
      "which stands at right angles on the line between them;\n"
      "default: level, from 2/5 to 4/5 of the height"},
-    {"core", "0..32", 1, 0, LUMORA_STRONGEST, 16,
-     "entirely sharp share of the band, in 1/32; default 16"},
+    {"core", mode_texts::kCoreValue.text, 1, 0, LUMORA_STRONGEST, LUMORA_STRONGEST / 2,
+     mode_texts::kCore.text},
 }};
 
 struct ModeFacts {

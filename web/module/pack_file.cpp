@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "platform/regular_file.h"
+#include "resources/resource_files.h"
 #include "resources/texture_pack.h"
 
 // Copies bytes of the pack, 0 where it has none.
@@ -54,7 +55,7 @@ int seekPack(void*, off_t* offset, int whence) {
 }  // namespace
 
 std::FILE* openRegular(const char* path) {
-  if (std::string_view(path) != "mixIm.dat") return nullptr;
+  if (std::string_view(path) != kPackName) return nullptr;
   const std::uint32_t size = lumora_pack_size();
   place = {size == 0 ? kPackBytes : size, 0};
   return fopencookie(&place, "rb", {readPack, nullptr, seekPack, nullptr});

@@ -139,7 +139,7 @@ void buildSlantedBand(std::uint8_t* mask, int width, int height, const TiltShift
 }  // namespace
 
 void BuildTiltMask(std::uint8_t* mask, int width, int height, const TiltShiftParam& tilt) {
-  assert(tilt.core >= 0 && tilt.core <= 32);
+  assert(tilt.core >= 0 && tilt.core <= LUMORA_STRONGEST);
   if (tilt.x1 == tilt.x2) {
     buildHorizontalBand(mask, width, height, tilt);
   } else if (tilt.y1 == tilt.y2) {
