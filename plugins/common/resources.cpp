@@ -2,7 +2,7 @@
 
 #include <dlfcn.h>
 
-#include <filesystem>
+#include "host/resources.h"
 
 namespace lumora::plugin {
 namespace {
@@ -20,13 +20,7 @@ fs::path folderOf(const void* code) {
 }  // namespace
 
 std::string findResources(const void* code, const char* buildRoot, const char* installed) {
-  const fs::path place = folderOf(code);
-  std::error_code error;
-  const fs::path build = (place / buildRoot).lexically_normal();
-  // An installed plug-in does not look into a folder that happens to be there.
-  const bool isBuild = fs::exists(build / "CMakeCache.txt", error);
-  const fs::path folder = isBuild ? build : (place / installed).lexically_normal();
-  return (folder / "").string();
+  return (host::resourceFolders(folderOf(code), buildRoot, installed).front() / "").string();
 }
 
 }  // namespace lumora::plugin

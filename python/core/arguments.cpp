@@ -10,11 +10,10 @@
 #include <string_view>
 
 #include "core/raster.h"
+#include "resources/resource_files.h"
 
 namespace lumora::python {
 namespace {
-
-constexpr const char* kPackName = "mixIm.dat";
 
 [[noreturn]] void refuseType(const SettingFacts& facts) {
   PyErr_Clear();

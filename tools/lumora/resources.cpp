@@ -9,6 +9,7 @@
 
 #include "config/xml_parser.h"
 #include "errors.h"
+#include "host/resources.h"
 #include "lumora/filters.h"
 #include "resources/resource_files.h"
 #include "resources/texture_pack.h"
@@ -25,18 +26,12 @@ bool holdsPack(const fs::path& directory) {
   return fs::is_regular_file(directory / kPackName, error);
 }
 
-// Beside the build, then where the installation has put it. The first counts only where a build's
-// cache lies, so that an installed tool does not look into a folder that happens to be there.
 std::vector<fs::path> knownDirectories() {
   std::error_code error;
   const fs::path executable = fs::read_symlink("/proc/self/exe", error);
   if (error) return {};
-  const fs::path place = executable.parent_path();
-  const fs::path build = (place / LUMORA_BUILD_ROOT).lexically_normal();
-  std::vector<fs::path> directories;
-  if (fs::exists(build / "CMakeCache.txt", error)) directories.push_back(build);
-  directories.push_back((place / LUMORA_INSTALLED_RESOURCES).lexically_normal());
-  return directories;
+  return host::resourceFolders(executable.parent_path(), LUMORA_BUILD_ROOT,
+                               LUMORA_INSTALLED_RESOURCES);
 }
 
 fs::path findDirectory(const std::string& asked) {
