@@ -110,6 +110,8 @@ Figures measure(const Round& round) {
   figures.bestSeconds = leastOf(operations);
   figures.referenceSeconds = medianOf(references);
   figures.ratio = medianOf(ratios);
+  figures.leastRatio = leastOf(ratios);
+  figures.mostRatio = *std::max_element(ratios.begin(), ratios.end());
   figures.bestRatio = leastOf(operations) / leastOf(references);
   return figures;
 }

@@ -12,7 +12,9 @@ struct Figures {
   double bestSeconds;
   double referenceSeconds;  // median of the reference
   double ratio;             // median over the rounds of operation / reference
-  double bestRatio;         // fastest operation / fastest reference
+  double leastRatio;        // of one round
+  double mostRatio;
+  double bestRatio;  // fastest operation / fastest reference
 };
 
 // What happens in every round, in this order.

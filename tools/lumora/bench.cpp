@@ -34,8 +34,9 @@ CommandLine commandLine(BenchSettings& s) {
       "lumora bench [options] PHOTO",
       "Times every look on a photograph: milliseconds, pixels per second, and how many times the\n"
       "in-place limit that is. The limit is one thread's pass that XORs every byte of the same\n"
-      "picture in place; both are timed in turn and the middle of several rounds counts. Looks\n"
-      "have the settings that 'lumora gallery' gives them; decoding and encoding do not count.\n"
+      "picture in place; both are timed in turn and the middle of several rounds counts; --json\n"
+      "also has the least and the most of a round. Looks have the settings that 'lumora gallery'\n"
+      "gives them; decoding and encoding do not count.\n"
       "For developers of the looks there is another program, lumora-bench, in the source's\n"
       "folder bench: it measures single steps and checks them against targets.\n",
       {{"Measurement",
@@ -112,7 +113,9 @@ Json asJson(const BenchSettings& settings, Size size, const std::vector<Row>& ro
                      {"ms", 1e3 * figures.seconds},
                      {"limit_ms", 1e3 * figures.referenceSeconds},
                      {"pixels_per_second", pixels / figures.seconds},
-                     {"times_limit", figures.ratio}});
+                     {"times_limit", figures.ratio},
+                     {"times_limit_least", figures.leastRatio},
+                     {"times_limit_most", figures.mostRatio}});
   }
   return {{"width", size.width},
           {"height", size.height},
