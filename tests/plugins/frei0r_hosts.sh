@@ -3,16 +3,8 @@
 # texture pack is told.
 #   frei0r_hosts.sh BUILD_DIR
 set -euo pipefail
-build=$1
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work"
-for component in runtime frei0r; do
-  cmake --install "$build" --prefix "$work/prefix" --component $component >/dev/null
-done
-mv prefix moved
+source "${BASH_SOURCE%/*}/installed.sh" "$1" frei0r
 export FREI0R_PATH=$work/moved/lib/frei0r-1
-PATH=$build/tools/lumora:$PATH
 
 lumora sample --size 640x360 scene.png
 filtered() { ffmpeg -v error -y -i scene.png -vf "format=rgba,$1" -f rawvideo "$2"; }

@@ -3,17 +3,9 @@
 # the library's log are told, every effect description is a pipeline, and nothing leaks.
 #   gstreamer_pipelines.sh BUILD_DIR
 set -euo pipefail
-build=$1
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work"
-for component in runtime gstreamer; do
-  cmake --install "$build" --prefix "$work/prefix" --component $component >/dev/null
-done
-mv prefix moved
+source "${BASH_SOURCE%/*}/installed.sh" "$1" gstreamer
 GST_PLUGIN_PATH=$(dirname "$(find "$work/moved" -name libgstlumora.so)")
 export GST_PLUGIN_PATH GST_REGISTRY=$work/registry
-PATH=$build/tools/lumora:$PATH
 unset GST_DEBUG
 
 # pipeline WORDS...: runs it to its end.
