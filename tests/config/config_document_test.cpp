@@ -6,7 +6,6 @@
 
 #include "config/config_support.h"
 #include "config/number_reference.h"
-#include "support/file_faults.h"
 #include "tuning_text/tuning_text.h"
 
 namespace lumora::test {
@@ -120,19 +119,6 @@ TEST(ConfigDocument, TakesTheLastGuessedEncodingWhereNoneCanBeGuessed) {
     ASSERT_TRUE(document.load(unknown.path()));
     EXPECT_EQ(document.readInt("/Config/b", 0), before == &shiftJis ? 8 : 0);
     EXPECT_EQ(document.fileOutcome().status, guessed.fileOutcome().status);
-  }
-}
-
-TEST(ConfigDocument, TreatsAFailingReadAsABadFile) {
-  const TemporaryFile file(paddedTo(200, "<?xml?><Config/>"));
-  FileFaults faults;
-  int step = 0;
-  // Open and read for the guess, then open, seek, position, seek and read; then nothing fails.
-  for (const int status : {0, 3, 10, 3, 3, 3, 3, 0}) {
-    faults.failAt(++step);
-    ConfigDocument document;
-    EXPECT_TRUE(document.load(file.path()));
-    EXPECT_EQ(static_cast<int>(document.fileOutcome().status), status) << "step " << step;
   }
 }
 

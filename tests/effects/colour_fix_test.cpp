@@ -358,18 +358,18 @@ TEST_F(ColourFixCall, NeedsRgbaAndItsRecord) {
   for (const auto& [format, param] : cases) {
     for (const Threads threads : kBothThreads) {
       const TestPicture picture(format, 96, 88), before(picture);
-      const Call call{.picture = picture.view(),
-                      .handle = handle_.view(),
-                      .mode = LUMORA_MODE_COLOUR_FIX,
-                      .direction = 0,
-                      .ratio = LUMORA_FULL_STRENGTH,
-                      .rect = {},
-                      .mosaicSize = 0,
-                      .threads = threads,
-                      .copy = nullptr,
-                      .blur = nullptr,
-                      .tiltShift = nullptr,
-                      .fixColour = param};
+      const Call call{picture.view(),
+                      handle_.view(),
+                      LUMORA_MODE_COLOUR_FIX,
+                      0,
+                      16,
+                      {},
+                      0,
+                      threads,
+                      nullptr,
+                      nullptr,
+                      nullptr,
+                      param};
       const CapturedLog log;
       EXPECT_EQ(dispatch(call), Status::kBadArgument);
       EXPECT_EQ(log.errors(),

@@ -6,7 +6,7 @@
 #include "effects/pyramid_reference.h"
 #include "support/captured_log.h"
 #include "support/everywhere.h"
-#include "support/test_handle.h"
+#include "support/test_allocator.h"
 
 namespace lumora::test {
 namespace {
@@ -124,25 +124,6 @@ TEST_P(Focus, AsksForMaskLevelsAndSmoothingWork) {
 
 INSTANTIATE_TEST_SUITE_P(Effects, Focus, testing::ValuesIn(kEffects),
                          [](const auto& p) { return p.param.name; });
-
-TEST(FocusCalls, TakeTheStrengthForTheBlurLevel) {
-  TestAllocator allocator;
-  const TestHandle handle(allocator, {});
-  for (const Effect& effect : {kEffects[0], kEffects[1]}) {
-    FilterAlbumParam album{};
-    album.stProcess.eMode = effect.asksForMaskFirst ? LUMORA_MODE_BLUR : LUMORA_MODE_TILT_SHIFT;
-    album.stBlur = kCircle;
-    album.stTiltShift = kSlanted;
-    for (const int level : {0, 3}) {
-      album.stProcess.effectRatio = level;
-      const TestPicture picture(PixelFormat::kRgba, 120, 90), expected(picture);
-      if (level > 0) referenceFocus(expected.view(), effect.mask(120, 90), level);
-      const FilterImage image = picture.image();
-      EXPECT_EQ(filterProcess_for_album(handle.get(), &image, &album), 0u);
-      EXPECT_EQ(picture.difference(expected), kNone) << effect.name << ", level " << level;
-    }
-  }
-}
 
 }  // namespace
 }  // namespace lumora::test

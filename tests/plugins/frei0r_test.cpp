@@ -6,7 +6,6 @@
 #include <cstring>
 #include <filesystem>
 #include <limits>
-#include <map>
 #include <memory>
 #include <set>
 #include <stdexcept>
@@ -14,19 +13,18 @@
 #include <thread>
 #include <vector>
 
-#include "host/session.h"
+#include "plugin_test.h"
 #include "plugins/frei0r/frei0r_header.h"
-#include "still_clock.h"
 
 namespace lumora::test {
 namespace {
 
 using Pixels = std::vector<std::uint32_t>;
 
-Pixels noise(unsigned width, unsigned height) {
+Pixels noisePixels(unsigned width, unsigned height) {
   Pixels pixels(std::size_t{width} * height);
-  std::uint32_t state = 12345;
-  for (std::uint32_t& pixel : pixels) pixel = state = state * 1664525u + 1013904223u;
+  const Bytes bytes = noise(4 * pixels.size());
+  std::memcpy(pixels.data(), bytes.data(), bytes.size());
   return pixels;
 }
 
@@ -128,17 +126,12 @@ class Instance {
 };
 
 // The same by the library.
-Pixels filtered(host::Session& session, const ModeFacts& mode, host::Settings settings,
+Pixels filtered(host::Session& session, const ModeFacts& mode, const host::Settings& settings,
                 unsigned width, unsigned height) {
-  Pixels pixels = noise(width, height);
-  const FilterImage picture{LUMORA_FORMAT_RGBA, reinterpret_cast<std::uint8_t*>(pixels.data()),
-                            width, height, static_cast<std::int32_t>(4 * width)};
-  settings.singleThread = true;
-  const host::Result opened = session.prepare(mode, LUMORA_BUILD_DIRECTORY "/",
-                                              host::Size{width, height}, settings.direction);
-  EXPECT_TRUE(opened) << opened.message;
-  const host::Result applied = session.apply(mode, settings, picture);
-  EXPECT_TRUE(applied) << applied.message;
+  Pixels pixels = noisePixels(width, height);
+  filterByLibrary(session, mode, settings,
+                  {LUMORA_FORMAT_RGBA, reinterpret_cast<std::uint8_t*>(pixels.data()), width,
+                   height, static_cast<std::int32_t>(4 * width)});
   return pixels;
 }
 
@@ -188,7 +181,7 @@ TEST(Frei0r, LooksEqualTheLibraryAtEveryStrengthAndSize) {
         instance->set(0, strength / 32.0);
         host::Settings settings;
         settings.strength = strength;
-        EXPECT_EQ(instance->update(noise(width, height)),
+        EXPECT_EQ(instance->update(noisePixels(width, height)),
                   filtered(session, mode, settings, width, height))
             << mode.name << ' ' << strength;
       }
@@ -196,44 +189,25 @@ TEST(Frei0r, LooksEqualTheLibraryAtEveryStrengthAndSize) {
   }
 }
 
-TEST(Frei0r, EffectsTakeTheirSettingsAsSharesOfThePicture) {
+TEST(Frei0r, EffectsTakeTheirSettingsAsShares) {
   constexpr unsigned kWidth = 400, kHeight = 200;
-  struct Case {
-    std::uint32_t mode;
-    std::map<std::string, double> given;
-    host::Settings expected;
-  };
-  std::vector<Case> cases(6);
-  cases[0] = {LUMORA_MODE_MOSAIC,
-              {{"rect-x", 0.1},
-               {"rect-y", 0.2},
-               {"rect-width", 0.5},
-               {"rect-height", 0.25},
-               {"block", 0.2}},
-              {}};
-  cases[0].expected.rectangle = {40, 40, 200, 50};
-  cases[0].expected.block = 10;
-  // Beyond the picture's edge: moved back into it.
-  cases[1] = {LUMORA_MODE_MOSAIC, {{"rect-x", 1}, {"rect-width", 0.25}, {"block", 0}}, {}};
-  cases[1].expected.rectangle = {300, 50, 100, 100};
-  cases[1].expected.block = 8;
-  cases[2] = {LUMORA_MODE_BLUR, {{"strength", 1}, {"centre-x", 0.25}, {"inner-radius", 0.1}}, {}};
-  cases[2].expected.strength = 32;
-  cases[2].expected.centre = {100, 100};
-  cases[2].expected.radius = {20, 100};
-  cases[3] = {LUMORA_MODE_TILT_SHIFT,
-              {{"band-x1", 0.1}, {"band-y1", 0}, {"band-x2", 0.6}, {"band-y2", 1}, {"core", 0.25}},
-              {}};
-  cases[3].expected.band = {{40, 0}, {240, 200}};
-  cases[3].expected.core = 8;
-  cases[4] = {LUMORA_MODE_COLOUR_FIX, {{"tolerance", 0.2}}, {}};
-  cases[4].expected.colour = {0, 128, 255};
-  cases[4].expected.tolerance = 51;
-  cases[5] = {LUMORA_MODE_LIANGHONG, {{"direction", 0.75}}, {}};
-  cases[5].expected.direction = 3;
+  std::vector<ShareCase> cases = shareCases();
+  host::Settings settings;
+  settings.strength = 32;
+  cases.push_back({LUMORA_MODE_BLUR, {{"strength", 1}}, settings});
+  settings = {};
+  settings.core = 8;
+  cases.push_back({LUMORA_MODE_TILT_SHIFT, {{"core", 0.25}}, settings});
+  settings = {};
+  settings.colour = {0, 128, 255};
+  settings.tolerance = 51;
+  cases.push_back({LUMORA_MODE_COLOUR_FIX, {{"tolerance", 0.2}}, settings});
+  settings = {};
+  settings.direction = 3;
+  cases.push_back({LUMORA_MODE_LIANGHONG, {{"direction", 0.75}}, settings});
 
   host::Session session;
-  for (const Case& c : cases) {
+  for (const ShareCase& c : cases) {
     const ModeFacts& mode = *findModeFacts(c.mode);
     const Plugin plugin(mode);
     Instance instance(plugin, kWidth, kHeight);
@@ -242,7 +216,7 @@ TEST(Frei0r, EffectsTakeTheirSettingsAsSharesOfThePicture) {
       instance.set(plugin.indexOf("colour"), f0r_param_color_t{0, 0.502f, 1});
       EXPECT_NEAR(instance.get<f0r_param_color_t>(plugin.indexOf("colour")).g, 0.502, 1e-6);
     }
-    EXPECT_EQ(instance.update(noise(kWidth, kHeight)),
+    EXPECT_EQ(instance.update(noisePixels(kWidth, kHeight)),
               filtered(session, mode, c.expected, kWidth, kHeight))
         << mode.name;
   }
@@ -254,7 +228,7 @@ TEST(Frei0r, PicturesThatNoLookTakesPassUnchanged) {
     for (const auto& [width, height] :
          {std::pair{87u, 300u}, {300u, 87u}, {8u, 8u}, {20001u, 88u}}) {
       Instance instance(plugin, width, height);
-      const Pixels in = noise(width, height);
+      const Pixels in = noisePixels(width, height);
       EXPECT_EQ(instance.update(in), in) << mode.name << ' ' << width << " x " << height;
     }
   }
@@ -265,7 +239,7 @@ TEST(Frei0r, ParameterNoiseDoesNoHarm) {
   for (const ModeFacts& mode : kModes) {
     const Plugin plugin(mode);
     Instance instance(plugin, 97, 131);
-    const Pixels in = noise(97, 131);
+    const Pixels in = noisePixels(97, 131);
     Pixels last;
     for (const double value : {-kInfinity, -1e300, -0.1, 1e-300, 0.3, 1.0, 7.0, 1e300, kInfinity}) {
       for (int i = -1; i <= plugin.info().num_params; ++i) {
@@ -295,7 +269,7 @@ TEST(Frei0r, ParameterNoiseDoesNoHarm) {
 TEST(Frei0r, HundredsOfInstancesInSeveralThreadsKeepToThemselves) {
   const ModeFacts& mode = *findModeFacts(LUMORA_MODE_LIANGHONG);
   const Plugin plugin(mode);
-  const Pixels in = noise(160, 96);
+  const Pixels in = noisePixels(160, 96);
   std::vector<Pixels> expected;
   for (int direction = 0; direction < 4; ++direction) {
     host::Settings settings;

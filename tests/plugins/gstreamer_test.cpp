@@ -11,13 +11,10 @@
 #include <string>
 #include <vector>
 
-#include "host/session.h"
-#include "still_clock.h"
+#include "plugin_test.h"
 
 namespace lumora::test {
 namespace {
-
-using Bytes = std::vector<std::uint8_t>;
 
 struct Format {
   const char* name;
@@ -63,16 +60,6 @@ struct Frame {
   }
 };
 
-Bytes noise(std::size_t count) {
-  Bytes bytes(count);
-  std::uint32_t state = 99;
-  for (std::uint8_t& byte : bytes) {
-    state = state * 1664525u + 1013904223u;
-    byte = static_cast<std::uint8_t>(state >> 24);
-  }
-  return bytes;
-}
-
 template <class Step>
 void forRows(const Frame& frame, Step step) {
   for (int plane = 0; plane < frame.format.planes; ++plane) {
@@ -84,22 +71,15 @@ void forRows(const Frame& frame, Step step) {
 
 // What the library makes of the pixels of a frame; the bytes between them as they were.
 Bytes filtered(const Frame& frame, host::Session& session, const ModeFacts& mode,
-               host::Settings settings, const Bytes& before) {
+               const host::Settings& settings, const Bytes& before) {
   const int row = frame.width * frame.format.bytesPerPixel;
   Bytes packed, after = before;
   forRows(frame, [&](std::size_t at) {
     packed.insert(packed.end(), before.begin() + at, before.begin() + at + row);
   });
-  const FilterImage picture{frame.format.picture, packed.data(),
-                            static_cast<std::uint32_t>(frame.width),
-                            static_cast<std::uint32_t>(frame.height), row};
-  settings.singleThread = true;
-  const host::Result opened =
-      session.prepare(mode, LUMORA_BUILD_DIRECTORY "/", host::Size{picture.width, picture.height},
-                      settings.direction);
-  EXPECT_TRUE(opened) << opened.message;
-  const host::Result applied = session.apply(mode, settings, picture);
-  EXPECT_TRUE(applied) << applied.message;
+  filterByLibrary(session, mode, settings,
+                  {frame.format.picture, packed.data(), static_cast<std::uint32_t>(frame.width),
+                   static_cast<std::uint32_t>(frame.height), row});
   std::size_t from = 0;
   forRows(frame, [&](std::size_t at) {
     std::memcpy(after.data() + at, packed.data() + from, row);
@@ -279,39 +259,17 @@ TEST_F(GStreamer, AControllerSweepsTheStrength) {
 }
 
 TEST_F(GStreamer, PlacesAreSharesOfThePicture) {
-  struct Case {
-    const char* look;
-    std::vector<std::pair<const char*, double>> given;
-    host::Settings expected;
-  };
-  std::vector<Case> cases(3);
-  cases[0] = {
-      "mosaic",
-      {{"rect-x", 0.1}, {"rect-y", 0}, {"rect-width", 0.2}, {"rect-height", 1}, {"block", 0.5}},
-      {}};
-  cases[0].expected.rectangle = {20, 0, 40, 100};
-  cases[0].expected.block = 20;
-  cases[1] = {"blur",
-              {{"centre-x", -0.5}, {"centre-y", 2}, {"inner-radius", 2}, {"outer-radius", 0.5}},
-              {}};
-  cases[1].expected.centre = {-100, 200};
-  cases[1].expected.radius = {200, 200};
-  cases[2] = {
-      "tilt-shift", {{"band-x1", 0}, {"band-y1", 0.1}, {"band-x2", 1}, {"band-y2", 0.9}}, {}};
-  cases[2].expected.band = {{0, 10}, {200, 90}};
-  const Frame frame{kNv12, 200, 100};
+  const Frame frame{kNv12, 400, 200};
   const Bytes before = noise(frame.bytes());
-  for (const Case& c : cases) {
+  for (const ShareCase& c : shareCases()) {
     Harness harness;
     host::Session session;
-    gst_util_set_object_arg(G_OBJECT(harness.element()), "look", c.look);
+    const ModeFacts& mode = *findModeFacts(c.mode);
+    harness.setLook(mode);
     for (const auto& [name, value] : c.given) harness.set(name, value);
     harness.setCaps(frame);
-    for (const ModeFacts& mode : kModes) {
-      if (std::string(mode.name) != c.look) continue;
-      EXPECT_EQ(harness.run(frame, before), filtered(frame, session, mode, c.expected, before))
-          << c.look;
-    }
+    EXPECT_EQ(harness.run(frame, before), filtered(frame, session, mode, c.expected, before))
+        << mode.name;
   }
 }
 
