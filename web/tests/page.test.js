@@ -30,7 +30,7 @@ function opaque(picture) {
 function toolPicture(options) {
   const result = join(folder, 'tool.png');
   const settings = Object.entries(options).map(([name, value]) => `--${name}=${value}`);
-  execFileSync(tool, ['apply', ...settings, join(folder, 'photo.png'), result]);
+  execFileSync(tool, ['apply', '--force', ...settings, join(folder, 'photo.png'), result]);
   return readFileSync(result);
 }
 
@@ -128,7 +128,7 @@ function turnedJpeg() {
   entry(22, 0x0112, 3, 1, 6);
   exif.write('Lumora\0', 38, 'latin1');
   const sample = join(folder, 'sample.jpg');
-  execFileSync(tool, ['sample', sample]);
+  execFileSync(tool, ['sample', '--force', sample]);
   const jpeg = readFileSync(sample);
   const head = Buffer.from([0xff, 0xe1, 0, exif.length + 8]);
   return Buffer.concat([jpeg.subarray(0, 2), head, Buffer.from('Exif\0\0'), exif, jpeg.subarray(2)]);
