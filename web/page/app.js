@@ -257,7 +257,7 @@ class Page {
 
   #showCamera(isOpen) {
     find('camera-bar').hidden = !isOpen;
-    find('divider').hidden = isOpen;
+    for (const id of ['divider', 'tags']) find(id).hidden = isOpen;
     find('camera').disabled = isOpen;
     this.#fit();
   }

@@ -35,7 +35,7 @@ export class LookList {
   select(name) {
     const { input, label } = this.#entries.get(name);
     input.checked = true;
-    label.scrollIntoView({ block: 'nearest', inline: 'nearest' });
+    label.scrollIntoView({ block: 'nearest', inline: 'center' });
   }
 
   /** Draws a square picture under every look; a later call takes over from an earlier one. */

@@ -87,6 +87,17 @@ export function decoded(page, bytes) {
   }, bytes.toString('base64'));
 }
 
+/** Width and height of a recording, as the browser plays it. */
+export function videoSize(page, bytes) {
+  return page.evaluate(async (base64) => {
+    const binary = Uint8Array.from(atob(base64), (c) => c.charCodeAt(0));
+    const video = document.createElement('video');
+    video.src = URL.createObjectURL(new Blob([binary], { type: 'video/webm' }));
+    await new Promise((resolve, reject) => Object.assign(video, { onloadeddata: resolve, onerror: reject }));
+    return [video.videoWidth, video.videoHeight];
+  }, bytes.toString('base64'));
+}
+
 /** What is wrong with the page for people who cannot see it well or at all. */
 export async function accessibilityFaults(page) {
   const { source } = createRequire(import.meta.url)('axe-core');
