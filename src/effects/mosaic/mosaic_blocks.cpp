@@ -13,6 +13,8 @@ namespace {
 // blocks; on one of 4 channels these are 4 kB.
 constexpr int kMostRowBytes = LUMORA_LONGEST_MOSAIC_SIDE * 4;
 constexpr int kMostSums = LUMORA_LONGEST_MOSAIC_SIDE / LUMORA_SHORTEST_MOSAIC_SIDE * 4;
+// One for every two blocks.
+constexpr int kMostGaps = LUMORA_LONGEST_MOSAIC_SIDE / LUMORA_SHORTEST_MOSAIC_SIDE / 2 + 1;
 
 // Rows are summed in strips of columns, whose sums take 8 kB of a worker's stack. A strip is whole
 // pixels of every plane.
@@ -25,10 +27,12 @@ void addColumns(const BlockAxis& across, BlockRange strip, const std::uint16_t* 
   for (int block = across.firstBlockNear(strip.first); block < across.count(); ++block) {
     const BlockRange columns = across.at(block);
     if (columns.first >= strip.end()) break;
+    const int first = std::max(columns.first, strip.first);
+    const int count = std::min(columns.end(), strip.end()) - first;
+    const std::uint16_t* at = columnSums + (first - strip.first) * kChannels;
     std::uint32_t total[kChannels] = {};
-    const int end = std::min(columns.end(), strip.end());
-    for (int x = std::max(columns.first, strip.first); x < end; ++x) {
-      for (int c = 0; c < kChannels; ++c) total[c] += columnSums[(x - strip.first) * kChannels + c];
+    for (int x = 0; x < count; ++x, at += kChannels) {
+      for (int c = 0; c < kChannels; ++c) total[c] += at[c];
     }
     for (int c = 0; c < kChannels; ++c) sums[block * kChannels + c] += total[c];
   }
@@ -96,28 +100,61 @@ void mixInto(std::uint8_t* samples, const std::uint8_t* filled, int bytes, int w
   }
 }
 
-// Without gaps a row is taken in one piece. With gaps (odd blocks on chroma) each block takes as
-// many bytes as it has luma columns: one more than its pairs fill, so that the first byte of the
-// gap behind it, or of the next block, is taken too. No byte is mixed twice.
-void writeRow(const MosaicPlane& plane, const std::uint8_t* filled, std::uint8_t* row, int weight) {
-  if (!plane.across.leavesGaps()) return mixInto(row, filled, plane.rowBytes(), weight);
-  int end = 0;
-  for (int block = 0; block < plane.across.count(); ++block) {
-    const BlockRange columns = plane.across.at(block);
-    if (columns.count == 0) continue;
-    const int first = columns.first * plane.channels;
-    const int from = std::max(first, end);
-    end = first + plane.across.pixelsOf(block);
-    mixInto(row + from, filled + from, end - from, weight);
+// The bytes of a row that keep their value: odd blocks on chroma take as many bytes as they have
+// luma columns, one more than their pairs fill, which is the first one of the gap behind the block
+// or of the next block. The rest of a gap, one byte for every two blocks, stays.
+class Gaps {
+ public:
+  explicit Gaps(const MosaicPlane& plane) {
+    if (!plane.across.leavesGaps()) return;
+    int end = 0;
+    for (int block = 0; block < plane.across.count(); ++block) {
+      const BlockRange columns = plane.across.at(block);
+      if (columns.count == 0) continue;
+      const int first = columns.first * plane.channels;
+      addUpTo(first, end);
+      end = first + plane.across.pixelsOf(block);
+    }
+    addUpTo(plane.rowBytes(), end);
   }
+
+  // Calls use(byte, k) for the k-th of them.
+  template <class Use>
+  void forEachIn(std::uint8_t* row, const Use& use) const {
+    for (int k = 0; k < count_; ++k) use(row[places_[k]], k);
+  }
+
+ private:
+  void addUpTo(int first, int place) {
+    while (place < first) places_[count_++] = place++;
+  }
+
+  int places_[kMostGaps];
+  int count_ = 0;
+};
+
+void writeRow(const MosaicPlane& plane, const Gaps& gaps, const std::uint8_t* filled,
+              std::uint8_t* row, int weight) {
+  std::uint8_t kept[kMostGaps];
+  gaps.forEachIn(row, [&](std::uint8_t byte, int k) { kept[k] = byte; });
+  mixInto(row, filled, plane.rowBytes(), weight);
+  gaps.forEachIn(row, [&](std::uint8_t& byte, int k) { byte = kept[k]; });
 }
 
 // All rows of a block row get those bytes of the first one that are not filled.
 void writeRows(const MosaicPlane& plane, BlockRange rows, const std::uint32_t* sums, int weight) {
-  std::uint8_t filled[kMostRowBytes];
-  std::memcpy(filled, plane.row(rows.first), static_cast<std::size_t>(plane.rowBytes()));
+  const bool isMixed = weight < LUMORA_FULL_STRENGTH;
+  std::uint8_t toMix[kMostRowBytes];
+  std::uint8_t* filled = plane.row(rows.first);
+  if (isMixed) {
+    std::memcpy(toMix, filled, static_cast<std::size_t>(plane.rowBytes()));
+    filled = toMix;
+  }
   fillRow(plane, rows, sums, filled);
-  for (int y = rows.first; y < rows.end(); ++y) writeRow(plane, filled, plane.row(y), weight);
+  const Gaps gaps(plane);
+  for (int y = isMixed ? rows.first : rows.first + 1; y < rows.end(); ++y) {
+    writeRow(plane, gaps, filled, plane.row(y), weight);
+  }
 }
 
 }  // namespace
