@@ -109,9 +109,7 @@ class Gaps {
     if (!plane.across.leavesGaps()) return;
     int end = 0;
     for (int block = 0; block < plane.across.count(); ++block) {
-      const BlockRange columns = plane.across.at(block);
-      if (columns.count == 0) continue;
-      const int first = columns.first * plane.channels;
+      const int first = plane.across.at(block).first * plane.channels;
       addUpTo(first, end);
       end = first + plane.across.pixelsOf(block);
     }
