@@ -3,10 +3,9 @@
 # everything that a program is linked from but the shared libraries. The library comes behind its
 # stand-ins, so they are asked for by name.
 set(LUMORA_SUPPORT_DIR ${CMAKE_CURRENT_LIST_DIR})
-set(LUMORA_ALL_FAULTS counting_heap file_faults fixed_clock thread_faults)
+set(LUMORA_ALL_FAULTS counting_heap file_faults thread_faults)
 set(counting_heap_functions malloc realloc free)
 set(file_faults_functions fdopen fread fseeko64 ftello64)
-set(fixed_clock_functions gettimeofday)
 set(thread_faults_functions pthread_create)
 
 function(lumora_add_support name)
