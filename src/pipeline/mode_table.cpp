@@ -49,7 +49,8 @@ constexpr auto byMode() {
   return rows;
 }
 constexpr auto kRows = byMode();
-static_assert(std::ranges::all_of(kRows, [](const ModeRow& row) { return row.route != nullptr; }),
+static_assert(std::all_of(kRows.begin(), kRows.end(),
+                          [](const ModeRow& row) { return row.route != nullptr; }),
               "a mode is neither in src/looks/looks.h nor among the effects");
 
 }  // namespace
