@@ -35,6 +35,7 @@ Round pictureRound(const std::shared_ptr<TestPicture>& picture, PictureWork work
 // The families of cases.
 void addModeCases();
 void addStepCases();
+void addLutCases();
 void addPeerCases();
 
 }  // namespace lumora::bench

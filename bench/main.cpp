@@ -154,6 +154,7 @@ int main(int argc, char** argv) {
   registerAllCases(options.all || !benchmark::GetBenchmarkFilter().empty());
   addModeCases();
   addStepCases();
+  addLutCases();
   addPeerCases();
   describeRun();
   reportLimit();

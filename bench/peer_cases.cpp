@@ -47,6 +47,9 @@ void addPeerCase(const char* library, const char* work, Format format, MakePeerW
 }
 
 void addPeerCases() {
+#if defined(LUMORA_PEER_FFMPEG)
+  addFfmpegCases();
+#endif
 #if defined(LUMORA_PEER_LIBYUV)
   addLibyuvCases();
 #endif

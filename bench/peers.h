@@ -15,6 +15,7 @@ using MakePeerWork = std::function<void()> (*)(const TestPicture& picture);
 void addPeerCase(const char* library, const char* work, Format format, MakePeerWork make);
 
 // Each in a file of its own, built where its library is present.
+void addFfmpegCases();
 void addLibyuvCases();
 void addOpenCvCases();
 

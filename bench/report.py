@@ -133,7 +133,7 @@ def threads_table(results, rule):
 
 def steps_table(results):
     names = [name for name in results.cases
-             if name.split("/")[0] in ("memcpy", "blend", "threads", "gauss", "resize1", "resize3",
+             if name.split("/")[0] in ("memcpy", "blend", "lut", "threads", "gauss", "resize1", "resize3",
                                       "init")]
     return table(["Step", "ms", "x limit", "of filling a fresh block"],
                  [[name, number(results.get(name, "ms"), 3), number(results.get(name)),

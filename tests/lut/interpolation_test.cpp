@@ -102,6 +102,21 @@ TEST(Interpolation, FollowsTheRuleAtEveryLevelSizeAndDomain) {
   EXPECT_LE(worstError(noiseTable(1024, true, -0.25F, 1.25F), 91), 0.51);
 }
 
+TEST(Interpolation, EveryLevelGivesTheSameBytes) {
+  for (const Lut& lut : {noiseTable(33, false), noiseTable(17, false, 0.1F, 0.8F)}) {
+    const Interpolation table(lut);
+    Bytes first;
+    for (const int level : supportedLevels()) {
+      const ForcedLevel forced(level);
+      TestPicture picture(PixelFormat::kRgba, 491, 120, 12, 5);
+      const Picture view = picture.view();
+      table.apply(view.data, view.widthPixels, view.heightRows, view.strideBytes, 16);
+      if (first.empty()) first = picture.snapshot();
+      EXPECT_EQ(picture.difference(first), kNone) << vectorLevelName(level);
+    }
+  }
+}
+
 TEST(Interpolation, TheTableThatChangesNothingChangesNothing) {
   for (const int level : supportedLevels()) {
     const ForcedLevel forced(level);

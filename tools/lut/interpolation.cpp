@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "pixels/blend_kernel.h"
+
 namespace lumora::lut {
 namespace {
 
@@ -12,11 +14,16 @@ std::uint8_t toByte(float value) {
   return static_cast<std::uint8_t>(std::lround(std::clamp(value, 0.0F, 1.0F) * 255));
 }
 
-// Between the two entries that the level lies between.
-float onCurve(const Lut& lut, int channel, int level) {
+// Of the way from the first entry to the last.
+float shareOf(const Lut& lut, int channel, int level) {
   const float range = lut.highest[channel] - lut.lowest[channel];
   const float share = (static_cast<float>(level) / 255 - lut.lowest[channel]) / range;
-  const float at = std::clamp(share, 0.0F, 1.0F) * static_cast<float>(lut.size - 1);
+  return std::clamp(share, 0.0F, 1.0F);
+}
+
+// Between the two entries that the level lies between.
+float onCurve(const Lut& lut, int channel, int level) {
+  const float at = shareOf(lut, channel, level) * static_cast<float>(lut.size - 1);
   const int below = std::min(static_cast<int>(at), lut.size - 2);
   const float part = at - static_cast<float>(below);
   return lut.entries[below][channel] * (1 - part) + lut.entries[below + 1][channel] * part;
@@ -33,21 +40,36 @@ std::vector<std::uint8_t> curvesOf(const Lut& lut) {
 }
 
 // Far beyond what can be seen results are cut off: a node holds -256..511 levels.
-Node nodeOf(const Triple& entry) {
+std::int16_t levelOf(float value) {
   constexpr float kScale = 255 << kNodeBits;
-  Node node{};
-  for (int channel = 0; channel < 3; ++channel) {
-    node.channels[channel] =
-        static_cast<std::int16_t>(std::lround(std::clamp(entry[channel], -1.0F, 2.0F) * kScale));
-  }
-  return node;
+  constexpr long kHalf = 1 << (kNodeBits - 1);
+  return static_cast<std::int16_t>(std::lround(std::clamp(value, -1.0F, 2.0F) * kScale) + kHalf);
 }
 
-// (copy (16 - weight) + whole weight + 8) / 16, which rounds halves up.
-void mix(std::uint8_t* row, const std::uint8_t* copy, std::size_t bytes, unsigned weight) {
-  for (std::size_t i = 0; i < bytes; ++i) {
-    row[i] = static_cast<std::uint8_t>((copy[i] * (16 - weight) + row[i] * weight + 8) >> 4);
+// With size^2 of them in front of the first node's.
+std::vector<Diagonal> diagonalsOf(const Lut& lut) {
+  const auto size = static_cast<std::size_t>(lut.size);
+  const std::size_t front = size * size, across = 1 + size + size * size;
+  std::vector<Diagonal> diagonals(front + lut.entries.size());
+  for (std::size_t i = 0; i < lut.entries.size(); ++i) {
+    for (int channel = 0; channel < 3; ++channel) {
+      const std::int16_t level = levelOf(lut.entries[i][channel]);
+      diagonals[front + i].ends[channel][0] = level;
+      if (front + i >= across) diagonals[front + i - across].ends[channel][1] = level;
+    }
   }
+  return diagonals;
+}
+
+std::vector<std::uint16_t> placesOf(const Lut& lut) {
+  std::vector<std::uint16_t> places;
+  for (int channel = 0; channel < 3; ++channel) {
+    for (int level = 0; level < kLevels; ++level) {
+      const float place = shareOf(lut, channel, level) * 65535;
+      places.push_back(static_cast<std::uint16_t>(std::lround(place)));
+    }
+  }
+  return places;
 }
 
 }  // namespace
@@ -57,21 +79,15 @@ Interpolation::Interpolation(const Lut& lut) {
     curves_ = curvesOf(lut);
     return;
   }
-  nodes_.reserve(lut.entries.size());
-  for (const Triple& entry : lut.entries) nodes_.push_back(nodeOf(entry));
-  grid_.size = lut.size;
-  for (int channel = 0; channel < 3; ++channel) {
-    const float steps =
-        static_cast<float>(lut.size - 1) / (lut.highest[channel] - lut.lowest[channel]);
-    grid_.scale[channel] = steps / 255;
-    grid_.offset[channel] = -lut.lowest[channel] * steps;
-  }
+  size_ = lut.size;
+  diagonals_ = diagonalsOf(lut);
+  if (lut.lowest != Triple{0, 0, 0} || lut.highest != Triple{1, 1, 1}) places_ = placesOf(lut);
 }
 
 void Interpolation::applyToRow(std::uint8_t* row, int pixels) const {
   if (curves_.empty()) {
-    Grid grid = grid_;
-    grid.nodes = nodes_.data();
+    const auto front = static_cast<std::size_t>(size_) * static_cast<std::size_t>(size_);
+    const Grid grid{diagonals_.data() + front, size_, places_.empty() ? nullptr : places_.data()};
     return kTetrahedra()(grid, row, pixels);
   }
   for (std::uint8_t* pixel = row; pixel < row + std::ptrdiff_t{4} * pixels; pixel += 4) {
@@ -90,7 +106,7 @@ void Interpolation::apply(std::uint8_t* pixels, int widthPixels, int rows,
     std::uint8_t* const row = pixels + y * strideBytes;
     if (isMixed) copy.assign(row, row + rowBytes);
     applyToRow(row, widthPixels);
-    if (isMixed) mix(row, copy.data(), rowBytes, static_cast<unsigned>(8 + strength / 2));
+    if (isMixed) kBlend()(copy.data(), row, rowBytes, 8 + strength / 2);
   }
 }
 

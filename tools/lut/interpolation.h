@@ -25,8 +25,10 @@ class Interpolation {
 
   // 1D: what becomes of each level of each channel.
   std::vector<std::uint8_t> curves_;
-  std::vector<Node> nodes_;
-  Grid grid_{};
+  // 3D.
+  int size_ = 0;
+  std::vector<Diagonal> diagonals_;
+  std::vector<std::uint16_t> places_;  // empty: colours are 0..1
 };
 
 }  // namespace lumora::lut
