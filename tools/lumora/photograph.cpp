@@ -65,46 +65,31 @@ VImage encodable(const VImage& picture, const Metadata& metadata, const Format& 
   return image.flatten(VImage::option()->set("background", 255));
 }
 
-}  // namespace
-
-VImage toRgba(const VImage& image) {
-  const VImage rgba = image.bands() == 4 ? image : image.bandjoin(255);
-  std::size_t bytes = 0;
-  VipsBytes pixels(static_cast<std::uint8_t*>(rgba.write_to_memory(&bytes)));
-  if (bytes != std::size_t{4} * rgba.width() * rgba.height()) {
-    throw PictureError("cannot be brought to red, green, blue and alpha of eight bits");
-  }
-  return VImage::new_from_memory_steal(pixels.release(), bytes, rgba.width(), rgba.height(), 4,
-                                       VIPS_FORMAT_UCHAR);
-}
-
-FilterImage pixelsOf(const VImage& rgba) {
-  const Size size = sizeOf(rgba);
-  return {LUMORA_FORMAT_RGBA, static_cast<std::uint8_t*>(const_cast<void*>(rgba.data())),
-          size.width, size.height, static_cast<std::int32_t>(4 * size.width)};
-}
-
-VImage fromRgba(const VImage& rgba, bool withAlpha) {
-  const VImage image = withAlpha ? rgba : rgba.extract_band(0, VImage::option()->set("n", 3));
-  return image.copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
-}
-
-std::vector<std::uint8_t> encode(const VImage& image, const Metadata& metadata,
-                                 const std::string& suffix, int quality) {
+// imageFor: makes the image that a file of the format is written from.
+template <class ImageFor>
+std::vector<std::uint8_t> encodeBy(const Metadata& metadata, const std::string& suffix, int quality,
+                                   ImageFor imageFor) {
   const Format& format = *findWrittenFormat(suffix);
   std::string options = format.saverOptions;
   if (format.hasQuality) options += text(options.empty() ? "" : ",", "Q=", quality);
   return explaining(text("cannot be written as ", suffix), [&] {
     void* encoded = nullptr;
     std::size_t bytes = 0;
-    encodable(image, metadata, format)
-        .write_to_buffer(text(format.suffixes.front(), '[', options, ']').c_str(), &encoded,
-                         &bytes);
+    imageFor(format).write_to_buffer(text(format.suffixes.front(), '[', options, ']').c_str(),
+                                     &encoded, &bytes);
     const VipsBytes owner(static_cast<std::uint8_t*>(encoded));
     std::vector<std::uint8_t> file(owner.get(), owner.get() + bytes);
     finishMetadata(file, metadata, format);
     return file;
   });
+}
+
+}  // namespace
+
+std::vector<std::uint8_t> encode(const VImage& image, const Metadata& metadata,
+                                 const std::string& suffix, int quality) {
+  return encodeBy(metadata, suffix, quality,
+                  [&](const Format& format) { return encodable(image, metadata, format); });
 }
 
 VImage readImage(const std::string& path) {
@@ -139,8 +124,13 @@ std::string Photograph::lossIn(const std::string& suffix) const {
   return tool::lossIn(metadata_, *findWrittenFormat(suffix));
 }
 
-std::vector<std::uint8_t> Photograph::encode(const std::string& suffix, int quality) const {
-  return tool::encode(fromRgba(rgba_, hasAlpha_), metadata_, suffix, quality);
+std::vector<std::uint8_t> Photograph::encode(const std::string& suffix, int quality) {
+  return encodeBy(metadata_, suffix, quality, [&](const Format& format) {
+    const VImage image = encodable(fromRgba(rgba_, hasAlpha_), metadata_, format);
+    // The encoder's memory grows as it reads. A step that may be done again needs the pixels again.
+    const bool isRepeatable = hasSeveralImageThreads();
+    return hasAlpha_ || isRepeatable ? image : consumeRgba(rgba_, image);
+  });
 }
 
 void loadMask(LookSettings& settings) {

@@ -12,6 +12,7 @@
 #include "look_settings.h"
 #include "lumora/filters.h"
 #include "metadata.h"
+#include "rgba_image.h"
 #include "words.h"
 
 namespace lumora::tool {
@@ -23,14 +24,6 @@ struct VipsFree {
   void operator()(void* bytes) const { g_free(bytes); }
 };
 using VipsBytes = std::unique_ptr<std::uint8_t[], VipsFree>;
-
-// The pixels of an image of eight bits, with or without alpha, in memory of their own: packed red,
-// green, blue and alpha.
-vips::VImage toRgba(const vips::VImage& image);
-// The same pixels as looks take them, to be rewritten. Borrowed from the image.
-FilterImage pixelsOf(const vips::VImage& rgba);
-// Such pixels as an image again, sRGB with or without their alpha.
-vips::VImage fromRgba(const vips::VImage& rgba, bool withAlpha);
 
 // An image as a file of the format that the suffix (".jpg") names.
 std::vector<std::uint8_t> encode(const vips::VImage& image, const Metadata& metadata,
@@ -50,8 +43,8 @@ class Photograph {
   const Format& format() const { return *format_; }
   // Leaves no metadata that could hold a picture.
   void strip() { stripMetadata(metadata_); }
-  // With the metadata that a file of the format can hold.
-  std::vector<std::uint8_t> encode(const std::string& suffix, int quality) const;
+  // With the metadata that a file of the format can hold. The picture may be gone afterwards.
+  std::vector<std::uint8_t> encode(const std::string& suffix, int quality);
   // What such a file has lost against its original, as the rest of a sentence about the picture.
   std::string lossIn(const std::string& suffix) const;
 
