@@ -17,6 +17,7 @@
 #include "lut_picture.h"
 #include "output.h"
 #include "photograph.h"
+#include "pixel_blocks.h"
 #include "standard_descriptors.h"
 
 namespace lumora::tool {
@@ -253,6 +254,7 @@ int applyCommand(int argc, char** argv) {
 
   if (settings.verbose) showLibraryLog();
   takeStandardOutput(settings.verbose);
+  if (plan.pictures.size() > 1) keepFreedMemory();
   startImageLibrary(argv[0], settings.verbose, settings.jobs);
   loadMask(settings.look);
   makeFolder(settings.plan.outputFolder);

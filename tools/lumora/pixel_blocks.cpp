@@ -1,5 +1,6 @@
 #include "pixel_blocks.h"
 
+#include <malloc.h>
 #include <sys/mman.h>
 
 #include <mutex>
@@ -76,6 +77,16 @@ void givePixelBlock(std::uint8_t* block) { blocks().give(block); }
 void dropPixelsBefore(std::uint8_t* block, const std::uint8_t* end) {
   const auto past = static_cast<std::size_t>(end - block) / kLargePage * kLargePage;
   if (past > 0) ::madvise(block, past, MADV_DONTNEED);
+}
+
+void keepFreedMemory() {
+#ifdef __GLIBC__
+  // The greatest threshold that there may be. In a single arena what one thread has freed serves
+  // the others, and nothing is too large to be kept.
+  ::mallopt(M_MMAP_THRESHOLD, 32 << 20);
+  ::mallopt(M_TRIM_THRESHOLD, 256 << 20);
+  ::mallopt(M_ARENA_MAX, 1);
+#endif
 }
 
 }  // namespace lumora::tool

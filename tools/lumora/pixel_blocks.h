@@ -14,4 +14,8 @@ void givePixelBlock(std::uint8_t* block);
 // Gives the memory of what lies before `end` back to the system; it then reads as zeros.
 void dropPixelsBefore(std::uint8_t* block, const std::uint8_t* end);
 
+// For a run of several pictures, before its threads start: what the image library has allocated for
+// one is not returned to the system, but there for the next.
+void keepFreedMemory();
+
 }  // namespace lumora::tool
