@@ -196,6 +196,24 @@ TEST_F(LimitsTest, ACodedPictureLargerThanItsHeaderSaysIsRefused) {
   }
 }
 
+TEST_F(LimitsTest, PicturesInFlightStayWithinTheirMemory) {
+  shell("mkdir many");
+  for (const char* name : {"p.jpg[interlace]", "p.png", "p.webp"}) {
+    writePicture(std::string("many/") + name, 3000, 2000);
+  }
+  shell("cd many; for i in 1 2 3; do for s in jpg png webp; do cp p.$s $i.$s; done; done");
+  const std::string batch = "lumora apply -l moran -r -j 6 -d out --force many --memory ";
+  // Plenty, two or three at a time, and one at a time because not even one fits.
+  const Cost plenty = measure(batch + "4G"), some = measure(batch + "300M"),
+             alone = measure(batch + "1M");
+  for (const Cost& cost : {plenty, some, alone}) EXPECT_EQ(cost.exitCode, 0) << cost.error;
+  std::printf("%.0f MB, %.0f MB of 300, %.0f MB alone\n", plenty.megabytes, some.megabytes,
+              alone.megabytes);
+  EXPECT_GT(plenty.megabytes, 330);
+  EXPECT_LT(some.megabytes, 300);
+  EXPECT_LT(alone.megabytes, some.megabytes);
+}
+
 TEST_F(LimitsTest, TextsThatUnpackToGigabytesAreRefused) {
   const std::string content = "a keyword";
   for (const auto& [type, count, isRefused] :

@@ -248,7 +248,7 @@ TEST_F(OutputsTest, TwoPicturesNeverShareAnOutput) {
       "cd made; ln -s ../other.png a.png; ln -s ../other.png b.png; echo mine > c.png;"
       "ln c.png d.png");
   const std::string batch = "apply -l heibai -d made a.png b.png c.png d.png";
-  refuse(1, batch, "a.png: made/a.png exists already");
+  refuse(4, batch, "a.png: made/a.png exists already");
   EXPECT_EQ(snapshot().at("other.png"), "mine");
   const ToolResult forced = run(batch + " --force");
   EXPECT_EQ(forced.error,

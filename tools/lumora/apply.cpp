@@ -1,20 +1,27 @@
 // lumora apply: photographs in, photographs out.
+#include <unistd.h>
+
 #include <algorithm>
+#include <chrono>
 #include <deque>
 #include <filesystem>
 #include <functional>
+#include <iostream>
 #include <optional>
-#include <thread>
+#include <span>
+#include <utility>
 
 #include "apply_plan.h"
+#include "apply_settings.h"
 #include "batch.h"
 #include "commands.h"
 #include "errors.h"
 #include "filter.h"
-#include "formats.h"
 #include "image_library.h"
+#include "input_list.h"
 #include "lut/interpolation.h"
 #include "lut_picture.h"
+#include "memory_budget.h"
 #include "output.h"
 #include "photograph.h"
 #include "pixel_blocks.h"
@@ -24,119 +31,6 @@ namespace lumora::tool {
 namespace {
 
 namespace fs = std::filesystem;
-
-struct ApplySettings {
-  LookSettings look;
-  std::string lutFile;  // in place of a look
-  ResourceSettings resources;
-  PlanSettings plan;
-  int jobs = 1;
-  int quality = kDefaultQuality;
-  ProfileUse profile = ProfileUse::kToSrgb;
-  bool strip = false;
-  bool verbose = false;
-};
-
-int parseJobs(const std::string& value) {
-  const int jobs = value == "auto" ? 0 : parseInteger(value, 0, 256);
-  return jobs > 0 ? jobs : std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
-}
-
-std::string parseFormat(const std::string& value) {
-  const std::string suffix = text(value.starts_with('.') ? "" : ".", lowerCase(value));
-  if (isWritableSuffix(suffix)) return suffix;
-  throw UsageError(text("'", value, "' is not one of ", writableSuffixes()));
-}
-
-ProfileUse parseProfile(const std::string& value) {
-  if (lowerCase(value) == "srgb") return ProfileUse::kToSrgb;
-  if (lowerCase(value) == "keep") return ProfileUse::kKeep;
-  throw UsageError(text("'", value, "' is not one of srgb, keep"));
-}
-
-std::string parseSuffix(const std::string& value) {
-  if (value.find('/') == value.npos) return value;
-  throw UsageError(text("'", value, "' is a part of file names and cannot hold '/'"));
-}
-
-std::string parseBackupSuffix(const std::string& value) {
-  if (value.empty()) throw UsageError("the backup needs another name than the picture");
-  return parseSuffix(value);
-}
-
-CommandLine commandLine(ApplySettings& s) {
-  static const std::string description = text(
-      "Gives photographs a look. Reads ", readableFormats(),
-      ", told by their\n"
-      "content, of several pictures in a file the first. The result is upright, in sRGB (see\n"
-      "--profile), with eight bits a channel, and keeps transparency, EXIF (with a new thumbnail,\n"
-      "but in tif), XMP, IPTC (in jpg and tif) and comments (png to png). Left out is what shows\n"
-      "the photograph as it was or may: maker notes, previews, Photoshop's and other programs'\n"
-      "blocks.\n"
-      "'-' is standard input or output. A picture that fails is reported and left out; an output\n"
-      "file appears complete or not at all, also when Ctrl-C ends the run. Nothing that exists is\n"
-      "replaced unless --force or --in-place asks for it. On a terminal a bar shows how far\n"
-      "several pictures are.\n");
-  return {
-      "lumora apply --look NAME [options] IN OUT\n"
-      "lumora apply --look NAME [options] --out-dir DIR IN...\n"
-      "lumora apply --look NAME [options] --in-place IN...\n"
-      "lumora apply --lut FILE [options] ...",
-      description.c_str(),
-      {lookOptions(s.look),
-       {"Look of another program",
-        {{"lut", 0, "FILE",
-          "a table of colours in place of a look: a .cube file, 1D or\n"
-          "3D, or a Hald picture; --strength 0 mixes it in by half",
-          keep(s.lutFile)}}},
-       modeOptions(s.look),
-       {"Output",
-        {{"to", 0, "FORMAT",
-          "jpg, png, webp, tif, avif or heic; default: as the name says,\n"
-          "and for standard output as the input is",
-          [&s](const std::string& v) { s.plan.format = parseFormat(v); }},
-         {"quality", 'q', "1..100", "of jpg, webp, avif and heic; default 92",
-          [&s](const std::string& v) { s.quality = parseInteger(v, 1, 100); }},
-         {"profile", 0, "srgb|keep",
-          "what becomes of photographs in a wider colour space: sRGB,\n"
-          "which the looks are made for (the default), or the same\n"
-          "space, with the look on its raw values",
-          [&s](const std::string& v) { s.profile = parseProfile(v); }},
-         {"strip", 0, nullptr,
-          "leave out all metadata that could hold a picture: of EXIF the\n"
-          "short fields stay, and the profile; mosaic does so always",
-          raise(s.strip)},
-         forceOption(s.plan.force),
-         {"skip-existing", 0, nullptr, "leave pictures out whose output exists",
-          raise(s.plan.skipExisting)},
-         {"in-place", 0, nullptr, "put the results where the pictures are", raise(s.plan.inPlace)},
-         {"backup", 0, "SUFFIX",
-          "with --in-place: keep every original beside its result, with\n"
-          "SUFFIX behind its name (photo.jpg.orig: .orig)",
-          [&s](const std::string& v) { s.plan.backupSuffix = parseBackupSuffix(v); }},
-         {"verbose", 'v', nullptr, "show what is done and the library's log", raise(s.verbose)}}},
-       {"Several pictures",
-        {{"out-dir", 'd', "DIR", "write every picture into this folder, under its own name",
-          keep(s.plan.outputFolder)},
-         {"suffix", 0, "TEXT", "put TEXT behind the names (photo_TEXT.jpg: _TEXT)",
-          [&s](const std::string& v) { s.plan.suffix = parseSuffix(v); }},
-         {"recursive", 'r', nullptr,
-          "take folders too: the pictures in them and in the folders\n"
-          "below, which come to lie in the same folders below --out-dir",
-          raise(s.plan.recursive)},
-         {"jobs", 'j', "N",
-          "work on N pictures at a time, each in one thread, all in\n"
-          "memory; 'auto': as many as there are processors; default 1",
-          [&s](const std::string& v) { s.jobs = parseJobs(v); }}}},
-       resourceOptions(s.resources)},
-      "  lumora apply --look heibai photo.jpg grey.jpg\n"
-      "  lumora apply --look lofi --strength 8 --out-dir done --suffix _lofi *.jpg\n"
-      "  lumora apply --look rixi --recursive --jobs auto --skip-existing --out-dir done photos\n"
-      "  lumora apply --look moran --in-place --backup .orig photo.jpg\n"
-      "  lumora apply --look mosaic --rect 400,200,160,160 --block 16 photo.jpg hidden.jpg\n"
-      "  lumora apply --look colour-fix --pick 320,240 photo.png red.png\n"
-      "  curl https://example.org/photo.jpg | lumora apply --look fugu - - > photo.jpg\n"};
-}
 
 // Standard output has no name that could tell the format: it gets the one of the input.
 std::string formatOf(const PlannedPicture& picture, const Photograph& photograph) {
@@ -152,17 +46,38 @@ std::string formatOf(const PlannedPicture& picture, const Photograph& photograph
 // What is done to the pixels.
 using Step = std::function<void(const FilterImage&)>;
 
+class Stopwatch {
+ public:
+  // Milliseconds since the last call.
+  double lap() {
+    const auto now = std::chrono::steady_clock::now();
+    const std::chrono::duration<double, std::milli> passed = now - std::exchange(last_, now);
+    return passed.count();
+  }
+
+ private:
+  std::chrono::steady_clock::time_point last_ = std::chrono::steady_clock::now();
+};
+
 std::vector<std::uint8_t> filteredFile(const ApplySettings& settings, const Step& filter,
-                                       const PlannedPicture& picture, std::string& remark) {
-  if (!picture.refusal.empty()) throw PictureError(picture.refusal);
+                                       const PlannedPicture& picture, PictureResult& result) {
+  Stopwatch watch;
   Photograph photograph = Photograph::read(picture.input, settings.profile);
   const std::string format = formatOf(picture, photograph);
   // What hides a part shall hide it everywhere.
-  const Mode* const mode = settings.look.mode;
-  if (settings.strip || (mode != nullptr && mode->number == LUMORA_MODE_MOSAIC)) photograph.strip();
-  remark = photograph.lossIn(format);
-  filter(photograph.pixels());
-  return photograph.encode(format, settings.quality);
+  const bool hides =
+      !settings.modes.empty() && settings.modes[picture.look]->number == LUMORA_MODE_MOSAIC;
+  if (settings.strip || hides) photograph.strip();
+  result.warning = photograph.lossIn(format);
+  const FilterImage pixels = photograph.pixels();
+  result.width = pixels.width;
+  result.height = pixels.height;
+  result.decodeMs = watch.lap();
+  filter(pixels);
+  result.filterMs = watch.lap();
+  std::vector<std::uint8_t> file = photograph.encode(format, settings.quality);
+  result.encodeMs = watch.lap();
+  return file;
 }
 
 // Runs a step with the input's name in front of its errors.
@@ -178,87 +93,136 @@ auto naming(const std::string& input, Step step) {
   }
 }
 
-// Returns a remark on the result, which may be empty.
-std::string process(const ApplySettings& settings, const Step& filter,
-                    const PlannedPicture& picture) {
-  std::string remark;
+void makePicture(const ApplySettings& settings, const Step& filter, const PlannedPicture& picture,
+                 PictureResult& result) {
   const std::vector<std::uint8_t> file =
-      naming(picture.input, [&] { return filteredFile(settings, filter, picture, remark); });
+      naming(picture.input, [&] { return filteredFile(settings, filter, picture, result); });
   if (settings.plan.recursive && !settings.plan.inPlace)
     makeFolder(fs::path(picture.output).parent_path().string());
   const bool replaces = settings.plan.force || settings.plan.inPlace;
   Output output(picture.output, {replaces, picture.backup});
   output.finish(file.data(), file.size());
-  return remark.empty() ? remark : text("lumora: ", picture.input, ": ", remark, '\n');
+  result.bytes = file.size();
 }
 
-int runPlan(const ApplySettings& settings, const Plan& plan) {
+// One per thread, with a handle of the library for each.
+class PictureMaker {
+ public:
+  PictureMaker(const ApplySettings& settings, std::span<const LookSettings> looks,
+               const lut::Interpolation* table)
+      : settings_(settings), looks_(looks), table_(table) {
+    if (table == nullptr && !settings.report.dryRun) filter_.emplace(settings.resources);
+  }
+
+  PictureResult make(const PlannedPicture& picture, MemoryBudget* budget) {
+    PictureResult result;
+    try {
+      naming(picture.input, [&] {
+        if (!picture.refusal.empty()) throw PictureError(picture.refusal);
+      });
+      if (settings_.report.dryRun) return result;
+      std::optional<MemoryBudget::Lease> lease;
+      if (budget != nullptr) lease.emplace(*budget, memoryFor(picture.input, picture.format));
+      const auto filter = [&](const FilterImage& image) { apply(picture.look, image); };
+      makePicture(settings_, filter, picture, result);
+    } catch (const PictureError& error) {
+      result.error = error.what();
+    }
+    return result;
+  }
+
+ private:
+  void apply(std::size_t look, const FilterImage& image) {
+    if (filter_) return filter_->apply(looks_[look], image);
+    table_->apply(image.picData, static_cast<int>(image.width), static_cast<int>(image.height),
+                  image.stride, settings_.look.values.strength);
+  }
+
+  const ApplySettings& settings_;
+  const std::span<const LookSettings> looks_;
+  const lut::Interpolation* const table_;  // in place of looks
+  std::optional<Filter> filter_;
+};
+
+int runPlan(const ApplySettings& settings, std::span<const LookSettings> looks, const Plan& plan) {
   const auto& pictures = plan.pictures;
-  std::deque<Filter> filters;
   std::optional<lut::Interpolation> table;
   if (!settings.lutFile.empty()) table.emplace(readLut(settings.lutFile));
+  std::optional<MemoryBudget> budget;
+  Report report(settings.report, table ? std::vector{settings.lutFile} : settings.plan.looks);
+  std::deque<PictureMaker> makers;
   std::vector<Worker> workers;
   const auto count = std::clamp<std::size_t>(pictures.size(), 1, std::size_t(settings.jobs));
+  if (settings.memory) budget.emplace(*settings.memory, count);
   while (workers.size() < count) {
-    Step filter;
-    if (table) {
-      filter = [&](const FilterImage& image) {
-        table->apply(image.picData, static_cast<int>(image.width), static_cast<int>(image.height),
-                     image.stride, settings.look.values.strength);
-      };
-    } else {
-      Filter& own = filters.emplace_back(settings.resources);
-      filter = [&](const FilterImage& image) { own.apply(settings.look, image); };
-    }
-    workers.emplace_back([&, filter](std::size_t job) -> Outcome {
-      const PlannedPicture& picture = pictures[job];
-      std::string report;
-      try {
-        report = process(settings, filter, picture);
-      } catch (const PictureError& error) {
-        return {true, text("lumora: ", error.what(), '\n')};
-      }
-      if (settings.verbose) {
-        report += text("lumora: ", picture.input, " -> ", picture.output, '\n');
-      }
-      return {false, report};
+    PictureMaker& maker = makers.emplace_back(settings, looks, table ? &*table : nullptr);
+    workers.emplace_back([&, maker = &maker](std::size_t job) {
+      return report.describe(pictures[job],
+                             maker->make(pictures[job], budget ? &*budget : nullptr));
     });
   }
 
-  Progress progress(pictures.size(), pictures.size() > 1 && !settings.verbose);
-  const std::size_t failed = runBatch(pictures.size(), workers, progress);
-  if (settings.verbose && plan.skipped > 0) {
-    progress.print(text("lumora: ", plan.skipped, " left out, their output exists\n"));
+  const bool showsBar = pictures.size() > 1 && !settings.report.verbose && !settings.report.dryRun;
+  Progress progress(pictures.size(), showsBar);
+  report.tellSkipped(plan.skipped);
+  runBatch(pictures.size(), workers, progress,
+           [&](const Outcome& outcome) { report.tell(outcome, progress); });
+  report.tellSummary(plan.skipped.size(), progress);
+  return report.exitCode(plan.skipped.size());
+}
+
+std::optional<InputList> listOf(const ApplySettings& settings) {
+  if (settings.listFile.empty()) {
+    if (settings.isListNullSeparated) throw UsageError("--null is about the list of --files-from");
+    return std::nullopt;
   }
-  if (failed > 0 && pictures.size() > 1) {
-    progress.print(text("lumora: ", failed, " of ", pictures.size(), " pictures failed\n"));
+  InputList list = readInputList(settings.listFile, settings.isListNullSeparated);
+  if (list.doubled > 0) {
+    std::cerr << text("lumora: ", settings.listFile, ": ", list.doubled,
+                      " names stand in it again; they are done once\n");
   }
-  return failed == 0 ? kExitDone : kExitPictureFailed;
+  return list;
+}
+
+std::vector<LookSettings> settledLooks(ApplySettings& settings) {
+  if (settings.lutFile.empty()) return settleLooks(settings.look, settings.modes);
+  if (!settings.modes.empty() || !settings.look.given.empty()) {
+    throw UsageError("--lut takes the place of --look and the settings of looks");
+  }
+  settings.look.values.strength = settings.look.strength.levelOn(nullptr);
+  return {};
+}
+
+void checkStandardOutput(const ApplySettings& settings, const std::vector<std::string>& operands) {
+  if (!settings.report.json || !settings.plan.outputFolder.empty() || operands.size() != 2) return;
+  if (outputDescriptorOf(operands[1]) == STDOUT_FILENO) {
+    throw UsageError("--json goes to standard output, and so does the picture");
+  }
 }
 
 }  // namespace
 
 int applyCommand(int argc, char** argv) {
   ApplySettings settings;
-  const auto operands = readCommandLine(commandLine(settings), argc, argv);
+  const auto operands = readCommandLine(applyCommandLine(settings), argc, argv);
   if (!operands) return kExitDone;
-  if (settings.lutFile.empty()) {
-    checkLookSettings(settings.look);
-  } else if (settings.look.mode != nullptr || !settings.look.given.empty()) {
-    throw UsageError("--lut takes the place of --look and the settings of looks");
-  }
   // Several pictures at a time keep the processors busy by themselves.
   if (settings.jobs > 1) settings.look.values.singleThread = true;
-  settings.plan.otherInputs = {settings.look.maskFile, settings.lutFile, settings.resources.tuning};
-  const Plan plan = planPictures(settings.plan, *operands);
+  std::vector<LookSettings> looks = settledLooks(settings);
+  for (const Mode* mode : settings.modes) settings.plan.looks.emplace_back(mode->name);
+  settings.plan.otherInputs = {settings.look.maskFile, settings.lutFile, settings.resources.tuning,
+                               settings.listFile == "-" ? "" : settings.listFile};
+  checkStandardOutput(settings, *operands);
+  const std::optional<InputList> list = listOf(settings);
+  const Plan plan = planPictures(settings.plan, *operands, list ? &list->names : nullptr);
 
-  if (settings.verbose) showLibraryLog();
-  takeStandardOutput(settings.verbose);
+  if (settings.report.verbose) showLibraryLog();
+  takeStandardOutput(settings.report.verbose);
   if (plan.pictures.size() > 1) keepFreedMemory();
-  startImageLibrary(argv[0], settings.verbose, settings.jobs);
-  loadMask(settings.look);
-  makeFolder(settings.plan.outputFolder);
-  return runPlan(settings, plan);
+  startImageLibrary(argv[0], settings.report.verbose, settings.jobs);
+  for (LookSettings& look : looks) loadMask(look);
+  if (!settings.report.dryRun) makeFolder(settings.plan.outputFolder);
+  return runPlan(settings, looks, plan);
 }
 
 }  // namespace lumora::tool

@@ -28,6 +28,11 @@ std::string formatFor(const PlanSettings& settings, const fs::path& name) {
   return isWritableSuffix(suffix) ? suffix : std::string();
 }
 
+// With a slash behind it a path has no last name.
+fs::path lastName(const fs::path& path) {
+  return path.has_filename() ? path.filename() : path.parent_path().filename();
+}
+
 // Takes the operands in their order, then settles what becomes of each.
 class Planner {
  public:
@@ -35,22 +40,27 @@ class Planner {
       : settings_(settings), outputFolder_(identityOf(settings.outputFolder)) {}
 
   void addPair(const std::string& input, const std::string& output) {
-    pictures_.push_back({input, output, formatFor(settings_, output), {}, {}});
-    if (isFolder(input)) {
-      pictures_.back().refusal =
-          "is a folder, not a picture; its pictures take --recursive and --out-dir";
+    const fs::path path(output);
+    for (std::size_t look = 0; look < lookCount(); ++look) {
+      const std::string name = path.stem().string() + lookSuffix(look) + path.extension().string();
+      const std::string own = lookCount() == 1 ? output : (path.parent_path() / name).string();
+      pictures_.push_back({input, own, formatFor(settings_, output), {}, {}, input, look});
+      if (isFolder(input)) {
+        pictures_.back().refusal =
+            "is a folder, not a picture; its pictures take --recursive and --out-dir";
+      }
     }
   }
 
   void addOperand(const std::string& operand) {
     if (operand == "-") throw UsageError("standard input has no name to keep; use IN OUT");
     if (!isFolder(operand)) {
-      addPicture(operand, {});
+      addPicture(operand, {}, operand);
     } else if (!settings_.recursive) {
       refuse(operand, "is a folder, not a picture; --recursive takes the pictures in it");
     } else {
       const std::size_t before = pictures_.size();
-      addFolder(operand, {});
+      addFolder(operand, {}, lastName(operand));
       if (pictures_.size() == before) refuse(operand, "holds no pictures");
     }
   }
@@ -59,40 +69,67 @@ class Planner {
   Plan finish() {
     for (const std::string& path : settings_.otherInputs) noteInput(path);
     for (const PlannedPicture& picture : pictures_) noteInput(picture.input);
+    std::vector<std::string> names;
+    if (settings_.shard.count > 1) sortByName();
+    for (const PlannedPicture& picture : pictures_) names.push_back(picture.name);
+    const std::vector<bool> isOurs = selectShare(names, settings_.shard);
     Plan plan;
-    for (PlannedPicture& picture : pictures_) {
-      if (picture.refusal.empty()) {
-        const OutputPlace place = findOutputPlace(picture.output);
-        picture.refusal = refusalOf(picture, place);
-        const bool exists = place.kind == OutputPlace::Kind::kFile;
-        if (picture.refusal.empty() && settings_.skipExisting && exists) {
-          ++plan.skipped;
-          continue;
-        }
-      }
-      plan.pictures.push_back(std::move(picture));
+    // Those of other shares are settled too: two machines must not make one output.
+    for (std::size_t i = 0; i < pictures_.size(); ++i) {
+      const bool isMade = settle(pictures_[i]);
+      if (isOurs[i]) (isMade ? plan.skipped : plan.pictures).push_back(std::move(pictures_[i]));
     }
     return plan;
   }
 
  private:
+  std::size_t lookCount() const { return std::max<std::size_t>(1, settings_.looks.size()); }
+
+  std::string lookSuffix(std::size_t look) const {
+    return lookCount() == 1 ? std::string() : '_' + settings_.looks[look];
+  }
+
   void refuse(const std::string& input, const std::string& reason) {
-    pictures_.push_back({input, {}, {}, reason, {}});
+    pictures_.push_back({input, {}, {}, reason, {}, input});
   }
 
   // `place` is where it lies below the operand and will lie below the output folder.
-  void addPicture(const fs::path& input, const fs::path& place) {
+  void addPicture(const fs::path& input, const fs::path& place, const fs::path& sharedName) {
     const std::string extension =
         settings_.format.empty() ? input.extension().string() : settings_.format;
-    const std::string name = input.stem().string() + settings_.suffix + extension;
-    const fs::path output =
-        settings_.inPlace ? input : fs::path(settings_.outputFolder) / place / name;
-    pictures_.push_back({input.string(), output.string(), formatFor(settings_, input), {}, {}});
+    for (std::size_t look = 0; look < lookCount(); ++look) {
+      const std::string name =
+          input.stem().string() + lookSuffix(look) + settings_.suffix + extension;
+      const fs::path output =
+          settings_.inPlace ? input : fs::path(settings_.outputFolder) / place / name;
+      pictures_.push_back({input.string(),
+                           output.string(),
+                           formatFor(settings_, input),
+                           {},
+                           {},
+                           sharedName.string(),
+                           look});
+    }
+  }
+
+  // Of two inputs for one output the first counts, so all shares need the same order.
+  void sortByName() {
+    std::stable_sort(pictures_.begin(), pictures_.end(),
+                     [](const auto& a, const auto& b) { return a.name < b.name; });
+  }
+
+  // Whether the output exists and shall be kept.
+  bool settle(PlannedPicture& picture) {
+    if (!picture.refusal.empty()) return false;
+    const OutputPlace place = findOutputPlace(picture.output);
+    picture.refusal = refusalOf(picture, place);
+    return picture.refusal.empty() && settings_.skipExisting &&
+           place.kind == OutputPlace::Kind::kFile;
   }
 
   // Sorted; hidden files, files that are not named like pictures and links to folders are left out,
   // and so is the output folder.
-  void addFolder(const fs::path& folder, const fs::path& place) {
+  void addFolder(const fs::path& folder, const fs::path& place, const fs::path& sharedName) {
     std::error_code error;
     std::vector<fs::directory_entry> entries;
     for (fs::directory_iterator it(folder, error), end; !error && it != end; it.increment(error)) {
@@ -102,10 +139,12 @@ class Planner {
     std::sort(entries.begin(), entries.end());
     for (const fs::directory_entry& entry : entries) {
       const fs::path& path = entry.path();
+      const fs::path name = sharedName / path.filename();
       if (entry.is_directory(error) && !entry.is_symlink(error)) {
-        if (identityOf(path.string()) != outputFolder_) addFolder(path, place / path.filename());
+        if (identityOf(path.string()) != outputFolder_)
+          addFolder(path, place / path.filename(), name);
       } else if (entry.is_regular_file(error) && isPictureSuffix(path.extension().string())) {
-        addPicture(path, place);
+        addPicture(path, place, name);
       }
     }
   }
@@ -167,6 +206,9 @@ void checkSettings(const PlanSettings& settings) {
   if (settings.inPlace && (hasFolder || !settings.suffix.empty() || !settings.format.empty())) {
     throw UsageError("--in-place keeps folder, name and format: no --out-dir, --suffix or --to");
   }
+  if (settings.inPlace && settings.looks.size() > 1) {
+    throw UsageError("--in-place has room for one look");
+  }
   if (settings.skipExisting && (settings.inPlace || settings.force)) {
     throw UsageError(
         text("--skip-existing contradicts ", settings.force ? "--force" : "--in-place"));
@@ -190,6 +232,9 @@ void checkPair(const PlanSettings& settings, const std::vector<std::string>& ope
   if (isFolder(output)) {
     throw UsageError(text(output, ": is a folder; use --out-dir ", output, " to write into it"));
   }
+  if (output == "-" && settings.looks.size() > 1) {
+    throw UsageError("several looks need a name that they can be told apart by, not '-'");
+  }
   if (output != "-" && formatFor(settings, output).empty()) {
     throw UsageError(text(output, ": its name does not say in which format to write (",
                           writableSuffixes(), "); choose one with --to"));
@@ -198,15 +243,21 @@ void checkPair(const PlanSettings& settings, const std::vector<std::string>& ope
 
 }  // namespace
 
-Plan planPictures(const PlanSettings& settings, const std::vector<std::string>& operands) {
+Plan planPictures(const PlanSettings& settings, const std::vector<std::string>& operands,
+                  const std::vector<std::string>* listed) {
   checkSettings(settings);
   Planner planner(settings);
   if (settings.outputFolder.empty() && !settings.inPlace) {
+    if (listed != nullptr) throw UsageError("--files-from needs --out-dir DIR or --in-place");
     checkPair(settings, operands);
     planner.addPair(operands[0], operands[1]);
   } else {
-    if (operands.empty()) throw UsageError("no picture is named");
+    if (operands.empty() && listed == nullptr) throw UsageError("no picture is named");
     for (const std::string& operand : operands) planner.addOperand(operand);
+    if (listed != nullptr) {
+      // In a list "-" is a file.
+      for (const std::string& name : *listed) planner.addOperand(name == "-" ? "./-" : name);
+    }
   }
   return planner.finish();
 }

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "shard.h"
+
 namespace lumora::tool {
 
 struct PlanSettings {
@@ -18,6 +20,8 @@ struct PlanSettings {
   bool force = false;        // replace outputs that exist
   bool skipExisting = false;
   std::vector<std::string> otherInputs;  // files that are read beside the pictures
+  std::vector<std::string> looks;        // of several, outputs have the name in theirs
+  Shard shard;
 };
 
 struct PlannedPicture {
@@ -26,14 +30,18 @@ struct PlannedPicture {
   std::string format;   // empty: the name asks for none that can be written; the input's for "-"
   std::string refusal;  // why nothing can be done; empty when it can
   std::string backup;   // the name that the original keeps; empty for none
+  std::string name;     // below the operand that it comes from: what shares are made by
+  std::size_t look = 0;
 };
 
 struct Plan {
   std::vector<PlannedPicture> pictures;
-  std::size_t skipped = 0;
+  std::vector<PlannedPicture> skipped;  // their output exists
 };
 
-// Throws a UsageError when the operands do not fit the settings.
-Plan planPictures(const PlanSettings& settings, const std::vector<std::string>& operands);
+// `listed` are the names of a list, or null where there is none. Throws a UsageError when the
+// operands do not fit the settings.
+Plan planPictures(const PlanSettings& settings, const std::vector<std::string>& operands,
+                  const std::vector<std::string>* listed);
 
 }  // namespace lumora::tool

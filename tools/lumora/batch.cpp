@@ -14,7 +14,8 @@ namespace {
 
 class Batch {
  public:
-  Batch(std::size_t jobs, Progress& progress) : outcomes_(jobs), progress_(progress) {}
+  Batch(std::size_t jobs, Progress& progress, const Teller& tell)
+      : outcomes_(jobs), progress_(progress), tell_(tell) {}
 
   // Takes jobs until none is left.
   void work(const Worker& worker) {
@@ -29,19 +30,18 @@ class Batch {
     }
   }
 
-  std::size_t failures() const {
+  void rethrowError() const {
     if (error_) std::rethrow_exception(error_);
-    return failed_;
   }
 
  private:
   void accept(std::size_t job, Outcome outcome) {
     const std::lock_guard lock(mutex_);
-    failed_ += outcome.failed ? 1 : 0;
     outcomes_[job] = std::move(outcome);
     progress_.countOne();
     for (; reported_ < outcomes_.size() && outcomes_[reported_]; ++reported_) {
-      progress_.print(outcomes_[reported_]->report);
+      tell_(*outcomes_[reported_]);
+      *outcomes_[reported_] = {};
     }
   }
 
@@ -49,15 +49,16 @@ class Batch {
   std::mutex mutex_;
   std::vector<std::optional<Outcome>> outcomes_;  // of the jobs that are done
   std::size_t reported_ = 0;                      // the jobs before this one
-  std::size_t failed_ = 0;
   std::exception_ptr error_;
   Progress& progress_;
+  const Teller& tell_;
 };
 
 }  // namespace
 
-std::size_t runBatch(std::size_t jobs, const std::vector<Worker>& workers, Progress& progress) {
-  Batch batch(jobs, progress);
+void runBatch(std::size_t jobs, const std::vector<Worker>& workers, Progress& progress,
+              const Teller& tell) {
+  Batch batch(jobs, progress, tell);
   {
     std::vector<std::jthread> threads;
     try {
@@ -72,7 +73,7 @@ std::size_t runBatch(std::size_t jobs, const std::vector<Worker>& workers, Progr
     }
     batch.work(workers.front());
   }
-  return batch.failures();
+  batch.rethrowError();
 }
 
 }  // namespace lumora::tool

@@ -13,13 +13,18 @@ namespace lumora::tool {
 
 struct Outcome {
   bool failed = false;
-  std::string report;  // whole lines for standard error; may be empty
+  std::string report;   // whole lines for standard error; may be empty
+  std::string listing;  // and for standard output
 };
 
 // Does one job. An exception ends the batch.
 using Worker = std::function<Outcome(std::size_t job)>;
 
-// Shares the jobs among the workers, each in a thread of its own. Returns how many failed.
-std::size_t runBatch(std::size_t jobs, const std::vector<Worker>& workers, Progress& progress);
+// Tells of a job that is done: in the order of the jobs, one at a time.
+using Teller = std::function<void(const Outcome&)>;
+
+// Shares the jobs among the workers, each in a thread of its own.
+void runBatch(std::size_t jobs, const std::vector<Worker>& workers, Progress& progress,
+              const Teller& tell);
 
 }  // namespace lumora::tool

@@ -23,7 +23,7 @@ struct BenchSettings {
   ResourceSettings resources;
   std::vector<const Mode*> looks;
   const FrameFormat* format = &findFrameFormat("rgba");
-  int strength = LUMORA_FULL_STRENGTH;
+  Strength strength;
   int rounds = 9;
   bool singleThread = false;
   bool json = false;
@@ -45,7 +45,7 @@ CommandLine commandLine(BenchSettings& s) {
             s.looks.clear();
             for (const std::string& name : splitAtCommas(v)) s.looks.push_back(&findMode(name));
           }},
-         {"strength", 's', "0..32", "default 16",
+         {"strength", 's', "0..32|P%", "default 16, which is 100%",
           [&s](const std::string& v) { s.strength = parseStrength(v); }},
          {"format", 'f', "rgba|nv21|nv12", "turn the photograph into such a frame; default rgba",
           [&s](const std::string& v) { s.format = &findFrameFormat(v); }},
@@ -67,7 +67,7 @@ bench::Figures measureLook(const BenchSettings& settings, const Mode& mode,
                            const FilterImage& picture, const std::vector<std::uint8_t>& frame) {
   const Size size = frameSize(picture, *settings.format);
   const LookSettings look =
-      exampleSettings(mode, settings.strength, settings.singleThread, picture);
+      exampleSettings(mode, settings.strength.levelOn(&mode), settings.singleThread, picture);
   Filter filter(settings.resources, look, size);
   std::vector<std::uint8_t> work = frame;
   const FilterImage image{settings.format->format, work.data(), size.width, size.height,
@@ -98,8 +98,8 @@ std::string asText(double pixels, const char* name, double seconds, double times
 }
 
 std::string heading(const BenchSettings& settings, Size size) {
-  return formatted("%u x %u pixels, %s, strength %d, %s\n\n%-16s %10s %12s %8s\n", size.width,
-                   size.height, settings.format->name, settings.strength,
+  return formatted("%u x %u pixels, %s, strength %s, %s\n\n%-16s %10s %12s %8s\n", size.width,
+                   size.height, settings.format->name, settings.strength.name().c_str(),
                    settings.singleThread ? "one thread" : "four threads", "Look", "ms", "Mpixel/s",
                    "x limit");
 }
@@ -120,7 +120,8 @@ Json asJson(const BenchSettings& settings, Size size, const std::vector<Row>& ro
   return {{"width", size.width},
           {"height", size.height},
           {"format", settings.format->name},
-          {"strength", settings.strength},
+          {"strength", settings.strength.isPercent ? Json(settings.strength.name())
+                                                   : Json(settings.strength.number)},
           {"rounds", settings.rounds},
           {"threads", settings.singleThread ? 1 : 4},
           {"looks", looks}};

@@ -61,7 +61,7 @@ CommandLine commandLine(FrameSettings& s) {
 }
 
 void checkSettings(FrameSettings& settings) {
-  checkLookSettings(settings.look);
+  settleLook(settings.look);
   if (settings.format == nullptr) throw UsageError("--format is needed: nv21, nv12 or rgba");
   if (settings.size.width == 0) throw UsageError("--size is needed, for example --size 1280x720");
   requireFrame(*settings.look.mode, settings.format->format, settings.size);

@@ -19,15 +19,17 @@ using vips::VImage;
 
 // Cells are small; looks are applied near that size, which is fast and shows what the sheet shows.
 constexpr int kCellWidth = 360;
+constexpr const char* kOriginal = "original";
 
 struct GallerySettings {
-  std::vector<const Mode*> looks;
-  std::vector<int> strengths;
+  std::vector<const Mode*> looks;  // null is the picture as it is
+  std::vector<Strength> strengths;
   int columns = 0;
   std::optional<std::uint32_t> seed;
   int quality = kDefaultQuality;
   bool singleThread = false;
   bool force = false;
+  bool original = false;
 };
 
 // The picture at twice the cell's size, or as it is where it is smaller.
@@ -39,10 +41,19 @@ VImage preparedPicture(const std::string& path) {
   return fromRgba(toRgba(image.cast(VIPS_FORMAT_UCHAR)), false);
 }
 
-std::string labelOf(const Mode& mode, int strength) {
-  const bool plain = strength == LUMORA_FULL_STRENGTH || mode.strength == StrengthUse::kUnused;
+std::string labelOf(const Mode& mode, const Strength& strength) {
+  const bool plain =
+      strength.levelOn(&mode) == LUMORA_FULL_STRENGTH || mode.strength == StrengthUse::kUnused;
   return plain ? text(mode.number, "  ", mode.name)
-               : text(mode.number, "  ", mode.name, "  ", strength);
+               : text(mode.number, "  ", mode.name, "  ", strength.name());
+}
+
+std::vector<const Mode*> parseLooks(const std::string& value) {
+  std::vector<const Mode*> looks;
+  for (const std::string& name : splitAtCommas(value)) {
+    looks.push_back(lowerCase(name) == kOriginal ? nullptr : &findMode(name));
+  }
+  return looks;
 }
 
 std::vector<SheetCell> drawCells(const GallerySettings& gallery, const ResourceSettings& resources,
@@ -50,10 +61,15 @@ std::vector<SheetCell> drawCells(const GallerySettings& gallery, const ResourceS
   Filter filter(resources);
   std::vector<SheetCell> cells;
   for (const Mode* mode : gallery.looks) {
-    for (const int strength : gallery.strengths) {
+    if (mode == nullptr) {
+      cells.push_back({kOriginal, picture});
+      continue;
+    }
+    for (const Strength& strength : gallery.strengths) {
       const VImage rgba = toRgba(picture);
       const FilterImage pixels = pixelsOf(rgba);
-      LookSettings settings = exampleSettings(*mode, strength, gallery.singleThread, pixels);
+      LookSettings settings =
+          exampleSettings(*mode, strength.levelOn(mode), gallery.singleThread, pixels);
       settings.values.seed = gallery.seed;
       filter.apply(settings, pixels);
       cells.push_back({labelOf(*mode, strength), fromRgba(rgba, false)});
@@ -79,14 +95,11 @@ CommandLine commandLine(GallerySettings& gallery, ResourceSettings& resources) {
       "lumora gallery [options] IN OUT",
       "Draws one labelled sheet of a picture under all looks: the quickest way to choose one.\n",
       {{"Sheet",
-        {{"looks", 'l', "NAME,...", "these looks only, in this order",
-          [&](const std::string& v) {
-            gallery.looks.clear();
-            for (const std::string& name : splitAtCommas(v)) {
-              gallery.looks.push_back(&findMode(name));
-            }
-          }},
-         {"strengths", 's', "N,...", "one picture per strength 0..32; default 16",
+        {{"looks", 'l', "NAME,...",
+          "these looks only, in this order; 'original' is the picture as\nit is",
+          [&](const std::string& v) { gallery.looks = parseLooks(v); }},
+         {"original", 0, nullptr, "begin with the picture as it is", raise(gallery.original)},
+         {"strengths", 's', "N,...", "one picture per strength 0..32 or P%; default 16",
           [&](const std::string& v) {
             gallery.strengths.clear();
             for (const std::string& number : splitAtCommas(v)) {
@@ -117,7 +130,8 @@ int galleryCommand(int argc, char** argv) {
   if (gallery.looks.empty()) {
     for (const Mode& mode : kModes) gallery.looks.push_back(&mode);
   }
-  if (gallery.strengths.empty()) gallery.strengths = {LUMORA_FULL_STRENGTH};
+  if (gallery.original) gallery.looks.insert(gallery.looks.begin(), nullptr);
+  if (gallery.strengths.empty()) gallery.strengths = {Strength{}};
   if (gallery.columns == 0) {
     gallery.columns = gallery.strengths.size() > 1 ? static_cast<int>(gallery.strengths.size()) : 5;
   }

@@ -37,6 +37,22 @@ void accept(LookSettings& settings, Setting setting, const std::string& value) {
   require(host::give(settings.values, setting, numbers));
 }
 
+constexpr const char* kNoLook = "no look is named; use --look NAME ('lumora looks' lists them)";
+
+// Every setting that was given is one of a look that was named.
+void requireOwners(const std::vector<Setting>& given, const std::vector<const Mode*>& modes) {
+  for (const Setting setting : given) {
+    const auto reads = [setting](const Mode* mode) { return mode->reads(setting); };
+    if (std::any_of(modes.begin(), modes.end(), reads)) continue;
+    const auto owner =
+        std::find_if(kModes.begin(), kModes.end(), [&](const Mode& m) { return m.reads(setting); });
+    std::string named;
+    for (const Mode* mode : modes) named += text(named.empty() ? "" : " or ", mode->name);
+    throw UsageError(
+        text("--", kSettings[setting].name, " belongs to the look ", owner->name, ", not ", named));
+  }
+}
+
 Option optionOf(Setting setting) {
   const SettingFacts& facts = kSettings[setting];
   return {facts.name, 0, facts.value, facts.help, nullptr};
@@ -44,9 +60,28 @@ Option optionOf(Setting setting) {
 
 }  // namespace
 
-int parseStrength(const std::string& value) {
+int Strength::levelOn(const Mode* mode) const {
+  if (!isPercent) return number;
+  const StrengthUse use = mode != nullptr ? mode->strength : StrengthUse::kBlend;
+  // Level 0 of a look that is mixed in shows half of it, of the others nothing or next to nothing.
+  const bool isMixed = use == StrengthUse::kBlend || use == StrengthUse::kBlendAndCurves;
+  const int least = isMixed ? 50 : 0, most = isMixed ? 150 : 200;
+  if (number < least || number > most) {
+    throw UsageError(text("--strength: ", number, "% is outside ", least, "%..", most, "%",
+                          mode != nullptr ? text(" of ", mode->name) : ""));
+  }
+  const int steps = LUMORA_FULL_STRENGTH * (number - least);
+  return (steps + (100 - least) / 2) / (100 - least);
+}
+
+std::string Strength::name() const { return text(number, isPercent ? "%" : ""); }
+
+Strength parseStrength(const std::string& value) {
+  if (value.ends_with('%')) {
+    return {parseInteger(value.substr(0, value.size() - 1), 0, 200), true};
+  }
   const int strength = parseInteger(value, INT_MIN, INT_MAX);
-  if (strength >= 0 && strength <= LUMORA_STRONGEST) return strength;
+  if (strength >= 0 && strength <= LUMORA_STRONGEST) return {strength, false};
   throw UsageError(text(strength, " is outside 0..", LUMORA_STRONGEST, " (",
                         describe(StrengthUse::kBlendAndCurves), ")"));
 }
@@ -55,11 +90,11 @@ OptionGroup lookOptions(LookSettings& s) {
   return {"Look",
           {{"look", 'l', "NAME|MODE", "the look, by name or number; 'lumora looks' lists them",
             [&s](const std::string& v) { s.mode = &findMode(v); }},
-           {"strength", 's', "0..32",
+           {"strength", 's', "0..32|P%",
             "0 half effect, 16 full effect (the default), 17..32\n"
             "stronger; for blur and tilt-shift the width of the blur,\n"
-            "0 for none",
-            [&s](const std::string& v) { s.values.strength = parseStrength(v); }},
+            "0 for none; or per cent of the full effect: 75% is 8",
+            [&s](const std::string& v) { s.strength = parseStrength(v); }},
            seedOption(s.values.seed),
            {"single-thread", 0, nullptr, "filter without starting threads",
             raise(s.values.singleThread)}}};
@@ -101,18 +136,26 @@ std::vector<Option> optionsOf(const Mode& mode) {
   return options;
 }
 
-void checkLookSettings(const LookSettings& settings) {
-  if (settings.mode == nullptr) {
-    throw UsageError("no look is named; use --look NAME ('lumora looks' lists them)");
-  }
-  for (const Setting setting : settings.given) {
-    if (settings.mode->reads(setting)) continue;
-    const auto owner =
-        std::find_if(kModes.begin(), kModes.end(), [&](const Mode& m) { return m.reads(setting); });
-    throw UsageError(text("--", kSettings[setting].name, " belongs to the look ", owner->name,
-                          ", not ", settings.mode->name));
-  }
+void settleLook(LookSettings& settings) {
+  if (settings.mode == nullptr) throw UsageError(kNoLook);
+  requireOwners(settings.given, {settings.mode});
+  settings.values.strength = settings.strength.levelOn(settings.mode);
   require(host::checkComplete(*settings.mode, settings.values));
+}
+
+std::vector<LookSettings> settleLooks(const LookSettings& settings,
+                                      const std::vector<const Mode*>& modes) {
+  if (modes.empty()) throw UsageError(kNoLook);
+  requireOwners(settings.given, modes);
+  std::vector<LookSettings> looks;
+  for (const Mode* mode : modes) {
+    LookSettings& look = looks.emplace_back(settings);
+    look.mode = mode;
+    std::erase_if(look.given, [mode](Setting setting) { return !mode->reads(setting); });
+    if (!mode->reads(kMask)) look.maskFile.clear();
+    settleLook(look);
+  }
+  return looks;
 }
 
 }  // namespace lumora::tool

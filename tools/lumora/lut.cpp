@@ -51,8 +51,8 @@ CommandLine commandLine(LutSettings& s) {
           [&s](const std::string& v) { s.look.mode = &findMode(v); }},
          {"all", 0, "DIR", "every look that can be one, and a sheet of them, into this folder",
           keep(s.folder)},
-         {"strength", 's', "0..32", "how strong; default 16, the full effect",
-          [&s](const std::string& v) { s.look.values.strength = parseStrength(v); }},
+         {"strength", 's', "0..32|P%", "how strong; default 16, the full effect, or 100%",
+          [&s](const std::string& v) { s.look.strength = parseStrength(v); }},
          {"to", 0, "KIND",
           "cube: a .cube file; hald: a Hald picture; tiles: the 512 x 512\n"
           "picture of 8 x 8 tiles that streaming programs read;\n"
@@ -97,6 +97,7 @@ void writePicture(const VImage& picture, const std::string& suffix, Output& outp
 void write(const LutSettings& settings, const Mode& mode, Kind kind, const std::string& path) {
   LookSettings look = settings.look;
   look.mode = &mode;
+  look.values.strength = look.strength.levelOn(&mode);
   const lut::Lut lut = LookColours(settings.resources, look).table(sizeOf(settings, kind));
   Output output(path, {.force = settings.force});
   if (kind != Kind::kCube) {
@@ -113,6 +114,7 @@ void write(const LutSettings& settings, const Mode& mode, Kind kind, const std::
 SheetCell cellOf(const LutSettings& settings, const Mode& mode, Size size) {
   LookSettings look = settings.look;
   look.mode = &mode;
+  look.values.strength = look.strength.levelOn(&mode);
   std::vector<std::uint8_t> scene = drawSampleScene(size);
   const VImage rgba =
       toRgba(VImage::new_from_memory(scene.data(), scene.size(), static_cast<int>(size.width),

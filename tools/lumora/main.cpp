@@ -48,7 +48,8 @@ void printOverview(std::ostream& out) {
          "  lumora apply --look heibai photo.jpg grey.jpg\n"
          "  lumora frame --look moran --format nv21 --size 1280x720 < in.nv21 > out.nv21\n\n"
          "Exit codes: 0 all done, 1 a picture failed (the others are done), 2 the command line is\n"
-         "wrong, 3 the texture pack or tuning document is missing or malformed.\n";
+         "wrong, 3 the texture pack or tuning document is missing or malformed, 4 all of several\n"
+         "pictures failed.\n";
 }
 
 const Command& findCommand(const std::string& name) {
