@@ -95,7 +95,7 @@ TEST_F(CommandLineTest, NamesWhatCannotBeMeant) {
           {"frame -l heibai -f rgba --size 80x90", "is 80 x 90 pixels; looks need 88 to 20000"},
           {"frame -l heibai -f rgba --size 90x90 --stride 359",
            "--stride 359 is less than the 360"},
-          {"frame -l moran --size 90x90", "--format is needed"},
+          {"frame -l moran --size 90x90", "--size and --stride need --format"},
       });
 }
 

@@ -73,6 +73,54 @@ TEST_F(FrameTest, EveryFrameOfFilmHasASeedOfItsOwn) {
   EXPECT_FALSE(lastOf(13, "7") == last);
 }
 
+// Frames of nv12 with their chroma in two planes, each behind its line.
+Bytes asY4m(const std::string& header, const Bytes& frames) {
+  constexpr std::size_t kLuma = 130 * 90, kPairs = kLuma / 4;
+  const std::string mark = "FRAME Ip\n";
+  Bytes video(header.begin(), header.end());
+  for (std::size_t at = 0; at < frames.size(); at += kLuma + 2 * kPairs) {
+    video.insert(video.end(), mark.begin(), mark.end());
+    video.insert(video.end(), &frames[at], &frames[at] + kLuma);
+    for (const std::size_t first : {0, 1}) {
+      for (std::size_t i = 0; i < kPairs; ++i) video.push_back(frames[at + kLuma + 2 * i + first]);
+    }
+  }
+  return video;
+}
+
+TEST_F(FrameTest, Y4mTellsItsSizeAndKeepsItsHeader) {
+  const Frames frames = noiseFrames(PixelFormat::kNv12, 3);
+  const std::string end = " F30000:1001 A1:1 XYSCSS=X XCOLORRANGE=FULL\n";
+  for (const char* kind : {"", " C420", " C420jpeg Ip", " C420mpeg2 I?", " C420paldv"}) {
+    const std::string header = std::string("YUV4MPEG2 W130 H90") + kind + end;
+    writeFile("in", asY4m(header, frames.before));
+    succeed("frame -l heibai --force in out");
+    EXPECT_EQ(readFile("out"), asY4m(header, frames.after)) << kind;
+    shell("cat in | lumora frame -l heibai | cmp - out");
+  }
+  const std::string limited = run("frame -l heibai --force - out <<X\nYUV4MPEG2 W90 H90\nX").error;
+  EXPECT_TRUE(says(limited, "does not say that its levels are full range"));
+  EXPECT_EQ(shell("cat out"), "YUV4MPEG2 W90 H90\n");
+  for (const auto& [content, said] :
+       Refusals{{"", "in: is empty"},
+                {"nothing", "in: is no Y4M; --format nv21, nv12 or rgba"},
+                {"YUV4MPEG2 W90 H90 C444\n", "is Y4M of the kind C444; only 4:2:0"},
+                {"YUV4MPEG2 W90 H90 C420p10\n", "is Y4M of the kind C420p10"},
+                {"YUV4MPEG2 W90 H90 It\n", "is interlaced"},
+                {"YUV4MPEG2 W90\n", "tells no size"},
+                {"YUV4MPEG2 W-90 H90\n", "has the side '-90'"},
+                {"YUV4MPEG2 W91 H90\n", "needs even sides"},
+                {"YUV4MPEG2 W90 H80\n", "is 90 x 80 pixels; looks need 88"},
+                {"YUV4MPEG2 W90 H90 XCOLORRANGE=FULL\nFRAMES\n", "no frame where the 1."},
+                {"YUV4MPEG2 W90 H90 XCOLORRANGE=FULL\nFRAME\nabc", "frame 1 is cut short: 3 of"},
+                {"YUV4MPEG2 " + std::string(5000, 'X'), "in: is no Y4M"}}) {
+    writeFile("in", content);
+    refuse(1, "frame -l heibai in new", said);
+    EXPECT_EQ(listFolder(), (Words{"in", "out"})) << content;
+  }
+  refuse(2, "frame -l heibai --size 130x90 in new", "Y4M has its own");
+}
+
 TEST_F(FrameTest, VerboseKeepsStandardOutputPure) {
   const Frames frames = noiseFrames(PixelFormat::kNv12, 2);
   writeFile("in", frames.before);
