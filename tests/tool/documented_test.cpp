@@ -36,7 +36,9 @@ TEST_F(DocumentedTest, TheManualPageHasEveryCommandAndOption) {
   for (const std::string& command : allCommands()) {
     EXPECT_TRUE(says(page, "\n.SS lumora " + command + "\n"));
   }
-  for (const char* option : {"\\-\\-skip\\-existing", "\\-\\-jobs N", "\\-\\-rounds N"}) {
+  for (const char* option :
+       {"\\-\\-skip\\-existing", "\\-\\-jobs N", "\\-\\-rounds N", ".SH EXAMPLES",
+        ".SH \"EXIT STATUS\"", ".SH FILES", ".SH ENVIRONMENT"}) {
     EXPECT_TRUE(says(page, option));
   }
 }
@@ -59,6 +61,15 @@ echo -n ${COMPREPLY[@]}
   EXPECT_EQ(completed("pack create --sl"), "--slot");
   EXPECT_EQ(completed("apply --look mos"), "mosaic");
   EXPECT_EQ(completed("looks ti"), "tianmeikeren tilt-shift");
+  // With "--look=" the shell makes words of the option, "=" and what follows.
+  EXPECT_EQ(completed("apply --look = fug"), "fugu");
+  EXPECT_TRUE(says(completed("apply --look ="), "moran rixi fugu"));
+  EXPECT_EQ(completed("apply --look fugu,lo"), "fugu,lofi");
+  EXPECT_EQ(completed("gallery --looks = fugu,lofi,ori"), "fugu,lofi,original");
+  EXPECT_EQ(completed("pack create --slot vig"), "vignette=");
+  EXPECT_EQ(completed("pack create --slot vignette = pa"), "");
+  EXPECT_EQ(completed("apply --direction ''"), "0 1 2 3");
+  EXPECT_EQ(completed("lut --to c"), "cube");
   // The listed formats are the ones that apply takes.
   std::istringstream formats(completed("apply --to ''"));
   int count = 0;

@@ -123,6 +123,22 @@ TEST_F(ResourceCommands, GalleryDrawsOneCellPerLookAndStrength) {
   writePicture("cell.png", few.crop(12 + 360 + 12, 12, 360, 270));
   expectBlackAndWhite("cell.png", "in.jpg");
   refuse(2, "gallery --looks heibay in.jpg x.png", "did you mean 'heibai'?");
+
+  // The first cell is the picture itself. Letters that reach below the line lift no label.
+  succeed("gallery --original --looks fugu,lofi,original in.jpg with.png");
+  const VImage with = open("with.png");
+  EXPECT_EQ(2 * (with.height() - 12), few.height() - 12);
+  for (const int column : {0, 3}) {
+    EXPECT_EQ(greatestDifference(with.crop(12 + 372 * column, 12, 360, 270), open("in.jpg")), 0);
+  }
+  const auto inkTop = [&](int column) {
+    const VImage label = with.crop(12 + 372 * column, 12 + 270, 360, 34).extract_band(0);
+    int top = 0, width = 0, height = 0;
+    label.find_trim(&top, &width, &height,
+                    VImage::option()->set("background", 24.0)->set("threshold", 60.0));
+    return top;
+  };
+  EXPECT_EQ(inkTop(1), inkTop(2));
 }
 
 }  // namespace

@@ -73,8 +73,8 @@ OptionGroup archiveOptions(ApplySettings& s) {
             "names alone: N machines with one list do everything once",
             [&s](const std::string& v) { s.plan.shard = parseShard(v); }},
            {"memory", 0, "SIZE",
-            "start no further picture while those at work take about as\n"
-            "much (800M, 2G); one that is larger than that is done alone",
+            "work on no more pictures at a time than fit into about as much\n"
+            "memory (800M, 2G); one that needs more is done alone",
             [&s](const std::string& v) { s.memory = parseMemory(v); }},
            {"json", 0, nullptr,
             "a line of JSON for every picture on standard output, with\n"
@@ -149,7 +149,8 @@ CommandLine applyCommandLine(ApplySettings& s) {
           raise(s.plan.recursive)},
          {"jobs", 'j', "N",
           "work on N pictures at a time, each in one thread, all in\n"
-          "memory; 'auto': as many as there are processors; default 1",
+          "memory (see --memory); 'auto': as many as there are\n"
+          "processors; default 1",
           [&s](const std::string& v) { s.jobs = parseJobs(v); }}}},
        archiveOptions(s),
        resourceOptions(s.resources)},

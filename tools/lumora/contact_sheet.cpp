@@ -29,9 +29,13 @@ VImage fitted(const VImage& picture, int width, int height) {
                         VImage::option()->set("kernel", VIPS_KERNEL_NEAREST));
 }
 
+// An image of text ends where its ink does, so labels without a "g" would stand lower than others.
+// Letters of full height and depth that nobody sees make all of one height.
 VImage labelImage(const std::string& label, int width) {
-  const VImage strokes = VImage::text(
-      label.c_str(), VImage::option()->set("font", "sans 15")->set("width", width)->set("dpi", 84));
+  const std::string unseen = "<span alpha='1'>|</span>";
+  const VImage strokes =
+      VImage::text((unseen + label + unseen).c_str(),
+                   VImage::option()->set("font", "sans 15")->set("width", width)->set("dpi", 84));
   return strokes.ifthenelse(canvas(strokes.width(), strokes.height(), kInk),
                             canvas(strokes.width(), strokes.height(), kBackground),
                             VImage::option()->set("blend", true));
