@@ -112,7 +112,7 @@ TEST_F(DocumentedTest, TheCommandsOfThePagesWorkAsWritten) {
       EXPECT_EQ(result.output + result.error, shown) << found[3];
     }
   }
-  EXPECT_EQ(commands, 17);
+  EXPECT_EQ(commands, 18);
   EXPECT_EQ(outputs, 4);
 }
 
