@@ -1,7 +1,5 @@
 #include "effects/mosaic/mosaic_kernel.h"
 
-#include <string.h>
-
 #include "pixels/vectors.h"
 
 namespace lumora::HWY_NAMESPACE {
@@ -11,13 +9,14 @@ namespace {
 constexpr hn::Half<D8> dHalf8{};
 constexpr int kSumLanes = kLanes8 / 2;
 
-// Adds kRows rows to the sums. Several rows at once spare the sums a trip to memory for each.
-template <int kRows>
+// Adds kRows rows to the sums, or makes these the sums. Several rows at once spare the sums a trip
+// to memory for each.
+template <int kRows, bool kIsFirst = false>
 void addRows(const std::uint8_t* first, std::ptrdiff_t strideBytes, int rowBytes,
              std::uint16_t* sums) {
   int x = 0;
   for (; x + kSumLanes <= rowBytes; x += kSumLanes) {
-    VU16 sum = hn::LoadU(du16, sums + x);
+    VU16 sum = kIsFirst ? hn::Zero(du16) : hn::LoadU(du16, sums + x);
     for (int y = 0; y < kRows; ++y) {
       const auto bytes = hn::LoadU(dHalf8, first + y * strideBytes + x);
       sum = hn::Add(sum, hn::PromoteTo(du16, bytes));
@@ -25,6 +24,7 @@ void addRows(const std::uint8_t* first, std::ptrdiff_t strideBytes, int rowBytes
     hn::StoreU(sum, du16, sums + x);
   }
   for (; x < rowBytes; ++x) {
+    if (kIsFirst) sums[x] = 0;
     for (int y = 0; y < kRows; ++y) {
       sums[x] = static_cast<std::uint16_t>(sums[x] + first[y * strideBytes + x]);
     }
@@ -33,8 +33,8 @@ void addRows(const std::uint8_t* first, std::ptrdiff_t strideBytes, int rowBytes
 
 void columnSums(const std::uint8_t* firstRow, std::ptrdiff_t strideBytes, int rows, int rowBytes,
                 std::uint16_t* sums) {
-  memset(sums, 0, static_cast<size_t>(rowBytes) * sizeof *sums);
-  int y = 0;
+  int y = rows < 4 ? 1 : 4;
+  (y == 1 ? addRows<1, true> : addRows<4, true>)(firstRow, strideBytes, rowBytes, sums);
   for (; y + 4 <= rows; y += 4) {
     addRows<4>(firstRow + y * strideBytes, strideBytes, rowBytes, sums);
   }
