@@ -172,16 +172,26 @@ HWY_INLINE VI32 mixEveryFourth(const std::uint8_t* diagonals, const Corners& cor
                   steps, weightsOf<kPixel>(corners.stepWeights + i)));
 }
 
+// Lanes of a, then of b, in every block of 128 bits.
+HWY_INLINE VI16 demoteTwo(VI32 a, VI32 b) {
+#if HWY_ARCH_X86
+  return hn::ReorderDemote2To(di16, a, b);
+#else
+  constexpr hn::Half<DI16> dHalf{};
+  return hn::Combine(di16, hn::DemoteTo(dHalf, b), hn::DemoteTo(dHalf, a));
+#endif
+}
+
 HWY_INLINE void mixBlock(const std::uint8_t* diagonals, const Corners& corners,
                          std::uint8_t* pixels) {
   alignas(16) static constexpr std::uint8_t kHalves[16] = {0, 2, 4, 6, 8, 10, 12, 14,
                                                            1, 3, 5, 7, 9, 11, 13, 15};
   const V8 alpha = hn::BitCast(d8, hn::Set(du32, 0xFF000000u));
   for (int i = 0; i < kBlock; i += kLanes, pixels += 4 * kLanes) {
-    const VI16 low = hn::ReorderDemote2To(di16, mixEveryFourth<0>(diagonals, corners, i),
-                                          mixEveryFourth<1>(diagonals, corners, i));
-    const VI16 high = hn::ReorderDemote2To(di16, mixEveryFourth<2>(diagonals, corners, i),
-                                           mixEveryFourth<3>(diagonals, corners, i));
+    const VI16 low = demoteTwo(mixEveryFourth<0>(diagonals, corners, i),
+                               mixEveryFourth<1>(diagonals, corners, i));
+    const VI16 high = demoteTwo(mixEveryFourth<2>(diagonals, corners, i),
+                                mixEveryFourth<3>(diagonals, corners, i));
     const V8 mixed = joinClamped(low, high, hn::LoadDup128(d8, kHalves));
     // Diagonals have 0 where pixels have alpha.
     hn::StoreU(hn::OrAnd(mixed, hn::LoadU(d8, pixels), alpha), d8, pixels);
