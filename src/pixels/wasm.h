@@ -19,6 +19,12 @@ HWY_INLINE SignedBytes TableLookupBytes(SignedBytes table, SignedBytes indices) 
   return SignedBytes{wasm_i8x16_swizzle(table.raw, indices.raw)};
 }
 
+// Clang 14 takes what Highway makes of these apart, lane by lane, where the integers become floats.
+HWY_INLINE Vec128<std::int32_t> PromoteTo(Simd<std::int32_t, 4, 0>, Vec128<std::uint8_t, 4> bytes) {
+  const v128_t places = wasm_u32x4_const(0x80808000, 0x80808001, 0x80808002, 0x80808003);
+  return Vec128<std::int32_t>{wasm_i8x16_swizzle(bytes.raw, places)};
+}
+
 // Clang 14 makes Highway's a load that repeats the bytes, and moves stores ahead of such loads. It
 // does not where it cannot see that the number comes from memory.
 template <class Number>
