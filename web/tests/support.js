@@ -4,8 +4,9 @@ import { fileURLToPath } from 'node:url';
 
 export const root = fileURLToPath(new URL('../..', import.meta.url));
 export const packageDir = `${root}build/package`;
-export const tool = `${root}build/release/tools/lumora/lumora`;
-export const packFile = `${root}build/release/mixIm.dat`;
+const native = `${root}build/${process.env.LUMORA_PRESET ?? 'release'}`;
+export const tool = `${native}/tools/lumora/lumora`;
+export const packFile = `${native}/mixIm.dat`;
 
 /** Noise over soft colours: every path of the looks, and something to see for colour fix and blur. */
 export function testPixels(bytes, seed = 1) {
