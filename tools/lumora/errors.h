@@ -8,7 +8,13 @@
 
 namespace lumora::tool {
 
-enum ExitCode { kExitDone = 0, kExitPictureFailed = 1, kExitUsage = 2, kExitResources = 3, kExitNoPicture = 4 };
+enum ExitCode {
+  kExitDone = 0,
+  kExitPictureFailed = 1,
+  kExitUsage = 2,
+  kExitResources = 3,
+  kExitNoPicture = 4
+};
 
 // A picture could not be read, filtered or written; other pictures may go on.
 struct PictureError : std::runtime_error {
