@@ -218,7 +218,7 @@ int applyCommand(int argc, char** argv) {
 
   if (settings.report.verbose) showLibraryLog();
   takeStandardOutput(settings.report.verbose);
-  if (plan.pictures.size() > 1) keepFreedMemory();
+  if (plan.pictures.size() > 1 && !settings.memory) keepFreedMemory();
   startImageLibrary(argv[0], settings.report.verbose, settings.jobs);
   for (LookSettings& look : looks) loadMask(look);
   if (!settings.report.dryRun) makeFolder(settings.plan.outputFolder);
