@@ -91,7 +91,7 @@ TEST_F(ReadingTest, NothingThatRunsProgramsOrOpensFurtherFilesIsRead) {
   }
   const ToolResult result =
       runShell("TMPDIR=$PWD/tmp lumora apply -l heibai --to png -d out" + files);
-  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.exitCode, 4) << "none was made";
   std::istringstream names(files);
   for (std::string file; names >> file;) {
     EXPECT_TRUE(says(result.error, "lumora: " + file + ": " + kNoPicture));
