@@ -38,6 +38,14 @@ constexpr std::uint64_t kMemoryOfThread = std::uint64_t{2} << 20;
 constexpr std::uint64_t kMemoryPerSample = 24;
 constexpr std::uint64_t kSeconds = 10;
 constexpr std::uint64_t kSamplesPerSecond = 1'000'000;
+// A decoder may wait for a thread that memory did not suffice for.
+constexpr std::uint64_t kWaitingFactor = 3;
+
+#ifdef LUMORA_SANITIZED
+constexpr bool kLimitsMemory = false;  // sanitizers keep memory of their own
+#else
+constexpr bool kLimitsMemory = true;
+#endif
 
 class Descriptor {
  public:
@@ -135,9 +143,13 @@ void limit(__rlimit_resource resource, std::uint64_t most) {
 void limitTo(std::uint64_t samples) {
   limit(RLIMIT_CORE, 0);
   limit(RLIMIT_FSIZE, std::max<std::uint64_t>(samples, kLongestReason));
-  limit(RLIMIT_CPU, kSeconds + samples / kSamplesPerSecond);
-  limit(RLIMIT_DATA, dataInUse() + kMemory + kMemoryPerSample * samples +
-                         kMemoryOfThread * std::thread::hardware_concurrency());
+  const std::uint64_t seconds = kSeconds + samples / kSamplesPerSecond;
+  limit(RLIMIT_CPU, seconds);
+  ::alarm(static_cast<unsigned>(kWaitingFactor * seconds));
+  if (kLimitsMemory) {
+    limit(RLIMIT_DATA, dataInUse() + kMemory + kMemoryPerSample * samples +
+                           kMemoryOfThread * std::thread::hardware_concurrency());
+  }
   ::prctl(PR_SET_PDEATHSIG, SIGKILL);
 }
 

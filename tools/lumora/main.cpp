@@ -95,8 +95,8 @@ int main(int argc, char** argv) {
   std::string context = "lumora";
   try {
     occupyStandardDescriptors();
-    removeTemporariesOnInterrupt();
     if (isDecodingProcess(argc, argv)) return decodeStandardInput(argc, argv);
+    removeTemporariesOnInterrupt();
     const int code = run(argc, argv, context);
     finishListing();
     return code;
