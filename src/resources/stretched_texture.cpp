@@ -1,7 +1,11 @@
 #include "resources/stretched_texture.h"
 
+#include <algorithm>
+
 namespace lumora {
 namespace {
+
+constexpr std::uintptr_t kLine = 64;
 
 std::size_t rowBytesOf(std::int32_t widthPixels, std::int32_t bytesPerPixel) {
   return static_cast<std::size_t>(widthPixels) * static_cast<std::size_t>(bytesPerPixel);
@@ -9,8 +13,13 @@ std::size_t rowBytesOf(std::int32_t widthPixels, std::int32_t bytesPerPixel) {
 
 // The first cache line at or after a place: stores that straddle two are slow.
 std::uint8_t* inCacheLines(std::uint8_t* place) {
-  constexpr std::uintptr_t kLine = 64;
   return place + (kLine - reinterpret_cast<std::uintptr_t>(place) % kLine) % kLine;
+}
+
+// Asks for a row that is gathered once the picture's next few rows are done: since the last call
+// the picture has pushed it out of the caches.
+void prefetch(const std::uint8_t* row, std::size_t bytes) {
+  for (std::size_t i = 0; i < bytes; i += kLine) __builtin_prefetch(row + i);
 }
 
 }  // namespace
@@ -19,6 +28,7 @@ StretchedTexture::StretchedTexture(std::int32_t bytesPerPixel, PixelSize from,
                                    const std::uint8_t* texels, PixelSize to, int rowsAtOnce,
                                    std::uint8_t* memory)
     : texels_(texels),
+      sourceRows_(from.height),
       format_{from.width, bytesPerPixel},
       rowsAtOnce_(rowsAtOnce),
       rowRule_(from.height, to.height),
@@ -42,15 +52,22 @@ TextureSource StretchedTexture::source() {
   return source;
 }
 
+const std::uint8_t* StretchedTexture::texelRow(std::int64_t row) const {
+  return texels_ + static_cast<std::size_t>(row) * format_.srcRowBytes();
+}
+
 const std::uint8_t* StretchedTexture::Rows::row(int y) {
   const std::int64_t wanted = whole->rowRule_(y);
   const bool isNew = wanted != sourceRow;
   if (isNew) newest = (newest + 1) % whole->rowsAtOnce_;
   std::uint8_t* const buffer = buffers[static_cast<std::size_t>(newest)];
   if (isNew) {
-    const std::size_t before = static_cast<std::size_t>(wanted) * whole->format_.srcRowBytes();
-    whole->gather_.gather(whole->texels_ + before, buffer);
+    whole->gather_.gather(whole->texelRow(wanted), buffer);
     sourceRow = wanted;
+    const std::int64_t next = std::max(wanted + 1, whole->rowRule_(y + 1));
+    if (next < whole->sourceRows_) {
+      prefetch(whole->texelRow(next), whole->format_.srcRowBytes());
+    }
   }
   return buffer;
 }

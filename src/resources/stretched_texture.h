@@ -36,7 +36,10 @@ class StretchedTexture {
     const std::uint8_t* row(int y) override;
   };
 
+  const std::uint8_t* texelRow(std::int64_t row) const;
+
   const std::uint8_t* texels_;
+  std::int32_t sourceRows_;
   RowFormat format_;
   int rowsAtOnce_;
   FixedPointRule rowRule_;
