@@ -58,14 +58,16 @@ Status smooth(const Picture& picture, int smoothing, const PyramidMemory& memory
   return Status::kOk;
 }
 
-Status blurByMask(const Picture& picture, const Strength& strength, const std::uint8_t* mask,
-                  std::uint8_t* block, const FilterAllocator& allocator, Threads threads) {
+Status blurByMask(const Picture& picture, const Strength& strength, const MaskRows& mask,
+                  std::uint8_t* maskMemory, std::uint8_t* block, const FilterAllocator& allocator,
+                  Threads threads) {
   const PyramidMemory memory(picture, strength.levels, block);
   Status status = DownSample(picture, strength.levels, memory.reduced, memory.rows, threads);
   if (status != Status::kOk) return status;
   status = smooth(picture, strength.smoothing, memory, allocator);
   if (status != Status::kOk) return status;
-  status = ImUpScale(memory.smoothed, strength.levels, picture, {mask, 0}, memory.rows, threads);
+  status = ImUpScale(memory.smoothed, strength.levels, picture, {&mask, 0, maskMemory}, memory.rows,
+                     threads);
   if (status == Status::kOk) return status;
   return fail(status, picture.isRgba() ? "[%s] ImUpScaleRGBA_multiThread return ERROR!\n"
                                        : "[%s] ImUpScaleNV21_NV12_multiThread return ERROR!\n");
@@ -81,8 +83,8 @@ Status FilterBlur(const Picture& picture, const BlurParam& circle, int level,
   if (!mask) return noMemory();
   const HostBlock levels(allocator, 3 * pixelCount(picture));
   if (!levels) return noMemory();
-  BuildCircleMask(mask.data(), picture.widthPixels, picture.heightRows, circle);
-  return blurByMask(picture, Strength::of(level), mask.data(), levels.data(), allocator, threads);
+  return blurByMask(picture, Strength::of(level), CircleMask(picture.widthPixels, circle),
+                    mask.data(), levels.data(), allocator, threads);
 }
 
 Status FilterTiltshift(const Picture& picture, const TiltShiftParam& tilt, int level,
@@ -93,8 +95,8 @@ Status FilterTiltshift(const Picture& picture, const TiltShiftParam& tilt, int l
   if (!levels) return noMemory();
   const HostBlock mask(allocator, pixelCount(picture));
   if (!mask) return noMemory();
-  BuildTiltMask(mask.data(), picture.widthPixels, picture.heightRows, tilt);
-  return blurByMask(picture, Strength::of(level), mask.data(), levels.data(), allocator, threads);
+  return blurByMask(picture, Strength::of(level), TiltMask(picture.widthPixels, tilt), mask.data(),
+                    levels.data(), allocator, threads);
 }
 
 }  // namespace lumora

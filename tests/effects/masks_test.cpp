@@ -11,18 +11,16 @@
 namespace lumora::test {
 namespace {
 
-void build(std::uint8_t* mask, int width, int height, const BlurParam& circle) {
-  BuildCircleMask(mask, width, height, circle);
-}
-void build(std::uint8_t* mask, int width, int height, const TiltShiftParam& tilt) {
-  BuildTiltMask(mask, width, height, tilt);
-}
+CircleMask rowsOf(int width, const BlurParam& circle) { return {width, circle}; }
+TiltMask rowsOf(int width, const TiltShiftParam& tilt) { return {width, tilt}; }
 
 // Masks lie before an inaccessible page and keep what lies before them.
 template <class Shape>
 Bytes maskOf(int width, int height, const Shape& shape) {
   const GuardedBuffer mask(static_cast<std::size_t>(width * height));
-  build(mask.data(), width, height, shape);
+  const auto rows = rowsOf(width, shape);
+  // Upwards: a row that reached into the one below would spoil it.
+  for (int y = height; y-- > 0;) rows.fillRow(y, mask.data() + std::ptrdiff_t{y} * width);
   EXPECT_TRUE(mask.isIntact());
   return {mask.data(), mask.data() + mask.size()};
 }

@@ -62,6 +62,15 @@ Bytes mixedMask(int width, int height) {
   return mask;
 }
 
+struct PlaneRows final : MaskRows {
+  const Bytes& plane;
+  int width;
+  PlaneRows(const Bytes& all, int rowWidth) : plane(all), width(rowWidth) {}
+  void fillRow(int y, std::uint8_t* out) const override {
+    std::copy_n(plane.begin() + std::ptrdiff_t{y} * width, width, out);
+  }
+};
+
 TEST(Pyramid, GrowsLikeThePlainSteps) {
   for (const PictureSize& size : pictureSizes()) {
     const TestPicture picture(size.format, size.width, size.height, 3);
@@ -74,7 +83,9 @@ TEST(Pyramid, GrowsLikeThePlainSteps) {
         Bytes block(3 * static_cast<std::size_t>(size.width) * size.height);
         const PyramidMemory memory(copy, size.levels, block.data());
         std::copy(small.bytes.begin(), small.bytes.end(), memory.smoothed.data);
-        const Mix mix{mask.empty() ? nullptr : mask.data(), 19};
+        const PlaneRows rows(mask, size.width);
+        Bytes maskMemory(kStripeCount * static_cast<std::size_t>(size.width));
+        const Mix mix{mask.empty() ? nullptr : &rows, 19, maskMemory.data()};
         return ImUpScale(memory.smoothed, size.levels, copy, mix, memory.rows, threads);
       });
     }

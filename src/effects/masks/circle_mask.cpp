@@ -9,11 +9,7 @@
 namespace lumora {
 namespace {
 
-// Squares and their sums are unsigned 64-bit: coordinates differ by less than 2^32 / 2 + 20000, so
-// a sum of two squares stays below 2^64.
 using Square = std::uint64_t;
-
-Square squareOf(std::int64_t v) { return static_cast<Square>(v * v); }
 
 // The distance of a pixel whose dx squared + dy squared is sum. It never falls as the sum rises, so
 // comparing distances comes down to comparing sums with a threshold.
@@ -42,41 +38,10 @@ std::int64_t floorSqrt(Square v) {
   return static_cast<std::int64_t>(root);
 }
 
-// Columns [first, end) of a row.
-struct Span {
-  int first;
-  int end;
-  int count() const { return end - first; }
-};
+}  // namespace
 
-class CircleMask {
- public:
-  CircleMask(std::uint8_t* mask, int width, int height, const BlurParam& circle);
-  void build() const;
-
- private:
-  std::uint8_t* row(std::int64_t y) const { return mask_ + y * width_; }
-  Span span(Square limit, Square dySquared) const;
-  void clearRow(std::int64_t y) const {
-    std::memset(row(y), 255, static_cast<std::size_t>(width_));
-  }
-  void buildRow(int y) const;
-  void fillRing(int y, Span columns) const;
-  std::uint8_t ringValue(Square sum) const;
-
-  std::uint8_t* mask_;
-  int width_;
-  int height_;
-  std::int64_t centreX_, centreY_, innerRadius_, outerRadius_;
-  std::int64_t slope_;
-  Square innerLimit_;  // sums below it are sharp
-  Square outerLimit_;  // sums from here on are blurred
-};
-
-CircleMask::CircleMask(std::uint8_t* mask, int width, int height, const BlurParam& circle)
-    : mask_(mask),
-      width_(width),
-      height_(height),
+CircleMask::CircleMask(int width, const BlurParam& circle)
+    : width_(width),
       centreX_(circle.centreX),
       centreY_(circle.centreY),
       innerRadius_(circle.innerRadius),
@@ -90,7 +55,7 @@ CircleMask::CircleMask(std::uint8_t* mask, int width, int height, const BlurPara
 
 // The columns whose sum lies below the limit. None is farther from the centre than the outer
 // radius.
-Span CircleMask::span(Square limit, Square dySquared) const {
+CircleMask::Span CircleMask::span(Square limit, Square dySquared) const {
   if (limit <= dySquared) return {0, 0};
   const std::int64_t reach = std::min(floorSqrt(limit - 1 - dySquared), outerRadius_);
   const auto inRow = [this](std::int64_t x) {
@@ -104,9 +69,9 @@ std::uint8_t CircleMask::ringValue(Square sum) const {
   return static_cast<std::uint8_t>(255 - (((outerRadius_ - distance) * slope_) >> 11));
 }
 
-void CircleMask::fillRing(int y, Span columns) const {
+void CircleMask::fillRing(int y, Span columns, std::uint8_t* row) const {
   if (columns.count() <= 0) return;
-  std::uint8_t* const out = row(y) + columns.first;
+  std::uint8_t* const out = row + columns.first;
   const std::int64_t dx = columns.first - centreX_, dy = y - centreY_;
   if (slope_ == 0) {
     std::memset(out, 255, static_cast<std::size_t>(columns.count()));
@@ -119,36 +84,16 @@ void CircleMask::fillRing(int y, Span columns) const {
   }
 }
 
-void CircleMask::buildRow(int y) const {
-  clearRow(y);
+void CircleMask::fillRow(int y, std::uint8_t* out) const {
+  std::memset(out, 255, static_cast<std::size_t>(width_));
+  if (y < centreY_ - outerRadius_ || y > centreY_ + outerRadius_) return;
   const Square dySquared = squareOf(y - centreY_);
   const Span disc = span(outerLimit_, dySquared);
   const Span sharp = span(std::min(innerLimit_, outerLimit_), dySquared);
-  if (sharp.count() <= 0) return fillRing(y, disc);
-  fillRing(y, {disc.first, sharp.first});
-  std::memset(row(y) + sharp.first, 0, static_cast<std::size_t>(sharp.count()));
-  fillRing(y, {sharp.end, disc.end});
-}
-
-// Rows at the same distance above and below the centre are equal.
-void CircleMask::build() const {
-  const std::int64_t top = centreY_ - outerRadius_, bottom = centreY_ + outerRadius_;
-  for (int y = 0; y < height_; ++y) {
-    const std::int64_t mirrored = 2 * centreY_ - y;
-    if (y < top || y > bottom) {
-      clearRow(y);
-    } else if (mirrored >= 0 && mirrored < y) {
-      std::memcpy(row(y), row(mirrored), static_cast<std::size_t>(width_));
-    } else {
-      buildRow(y);
-    }
-  }
-}
-
-}  // namespace
-
-void BuildCircleMask(std::uint8_t* mask, int width, int height, const BlurParam& circle) {
-  CircleMask(mask, width, height, circle).build();
+  if (sharp.count() <= 0) return fillRing(y, disc, out);
+  fillRing(y, {disc.first, sharp.first}, out);
+  std::memset(out + sharp.first, 0, static_cast<std::size_t>(sharp.count()));
+  fillRing(y, {sharp.end, disc.end}, out);
 }
 
 }  // namespace lumora

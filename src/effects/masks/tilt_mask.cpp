@@ -10,32 +10,22 @@
 namespace lumora {
 namespace {
 
-// What the mask holds along a line across the band. Places are whole numbers, counted from the
-// first edge; they are doubles because a band whose edges hardly cross its lines is wider than any
-// integer. Up to 2^53 they are exact.
-class BandProfile {
- public:
-  BandProfile(double bandWidth, int core)
-      : coreWidth_(std::floor(core * bandWidth / 32)),
-        ramp_(std::floor((bandWidth - coreWidth_) / 2)),
-        step_(ramp_ > 0 ? 255.0f / static_cast<float>(ramp_) : 255.0f) {}
-
-  // The mask at one place.
-  std::uint8_t at(double place) const;
-  // The mask at `count` places, the first edge lying at column `start`.
-  void fillRow(std::uint8_t* out, int count, double start) const;
-
- private:
-  void fillRamp(std::uint8_t* out, int count, double first, float base, float step) const;
-
-  double coreWidth_;
-  double ramp_;
-  float step_;
-};
-
 std::uint8_t rampValue(double place, float base, float step) {
   return static_cast<std::uint8_t>(base + static_cast<float>(place) * step);
 }
+
+double distance(std::int32_t a, std::int32_t b) {
+  return std::fabs(static_cast<double>(a) - static_cast<double>(b));
+}
+
+float difference(std::int32_t a, std::int32_t b) { return static_cast<float>(std::int64_t{a} - b); }
+
+}  // namespace
+
+BandProfile::BandProfile(double bandWidth, int core)
+    : coreWidth_(std::floor(core * bandWidth / 32)),
+      ramp_(std::floor((bandWidth - coreWidth_) / 2)),
+      step_(ramp_ > 0 ? 255.0f / static_cast<float>(ramp_) : 255.0f) {}
 
 std::uint8_t BandProfile::at(double place) const {
   std::uint8_t value;
@@ -67,85 +57,43 @@ void BandProfile::fillRamp(std::uint8_t* out, int count, double first, float bas
   }
 }
 
-double distance(std::int32_t a, std::int32_t b) {
-  return std::fabs(static_cast<double>(a) - static_cast<double>(b));
+TiltMask::SlantedEdges::SlantedEdges(const TiltShiftParam& tilt)
+    : dx(difference(tilt.x1, tilt.x2)), dy(difference(tilt.y1, tilt.y2)), slope(-dx / dy) {
+  firstOffset = static_cast<float>(tilt.y1) - slope * static_cast<float>(tilt.x1);
+  secondOffset = static_cast<float>(tilt.y2) - slope * static_cast<float>(tilt.x2);
 }
 
-// The band runs across the rows: every column is the same.
-void buildHorizontalBand(std::uint8_t* mask, int width, int height, const TiltShiftParam& tilt) {
-  const BandProfile profile(distance(tilt.y1, tilt.y2), tilt.core);
-  const double start = std::min(tilt.y1, tilt.y2);
-  for (int y = 0; y < height; ++y) {
-    std::memset(mask + std::ptrdiff_t{y} * width, profile.at(y - start),
-                static_cast<std::size_t>(width));
-  }
+double TiltMask::SlantedEdges::start(int y) const {
+  const float row = static_cast<float>(y);
+  return std::min(std::trunc((row - firstOffset) / slope),
+                  std::trunc((row - secondOffset) / slope));
 }
 
-// The band runs across the columns: every row is the same. A band that touches only the last column
-// counts as beside the picture.
-void buildVerticalBand(std::uint8_t* mask, int width, int height, const TiltShiftParam& tilt) {
-  const BandProfile profile(distance(tilt.x1, tilt.x2), tilt.core);
-  const std::int32_t start = std::min(tilt.x1, tilt.x2);
-  const bool isBeside = std::max(tilt.x1, tilt.x2) < 0 || start >= width - 1;
-  if (isBeside) {
-    std::memset(mask, 255, static_cast<std::size_t>(width));
-  } else {
-    profile.fillRow(mask, width, start);
-  }
-  for (int y = 1; y < height; ++y) {
-    std::memcpy(mask + std::ptrdiff_t{y} * width, mask, static_cast<std::size_t>(width));
-  }
-}
-
-// A slanted band, in single precision: its edges are the lines y = slope x + offset. Points
-// anywhere in the 32-bit range give slopes of 2^-32 to 2^32 and quotients below 2^100.
-class SlantedBand {
- public:
-  explicit SlantedBand(const TiltShiftParam& tilt)
-      : dx_(difference(tilt.x1, tilt.x2)),
-        dy_(difference(tilt.y1, tilt.y2)),
-        slope_(-dx_ / dy_),
-        firstOffset_(offset(tilt.x1, tilt.y1)),
-        secondOffset_(offset(tilt.x2, tilt.y2)) {}
-
-  // Measured along a row.
-  double width() const { return std::trunc(std::fabs(dx_) + 0.5f + std::fabs(dy_ / slope_)); }
-  // The column of the first edge in row y.
-  double start(int y) const {
-    const float row = static_cast<float>(y);
-    return std::min(std::trunc((row - firstOffset_) / slope_),
-                    std::trunc((row - secondOffset_) / slope_));
-  }
-
- private:
-  static float difference(std::int32_t a, std::int32_t b) {
-    return static_cast<float>(std::int64_t{a} - b);
-  }
-  float offset(std::int32_t x, std::int32_t y) const {
-    return static_cast<float>(y) - slope_ * static_cast<float>(x);
-  }
-
-  float dx_, dy_, slope_, firstOffset_, secondOffset_;
-};
-
-void buildSlantedBand(std::uint8_t* mask, int width, int height, const TiltShiftParam& tilt) {
-  const SlantedBand band(tilt);
-  const BandProfile profile(band.width(), tilt.core);
-  for (int y = 0; y < height; ++y) {
-    profile.fillRow(mask + std::ptrdiff_t{y} * width, width, band.start(y));
-  }
-}
-
-}  // namespace
-
-void BuildTiltMask(std::uint8_t* mask, int width, int height, const TiltShiftParam& tilt) {
+TiltMask::TiltMask(int width, const TiltShiftParam& tilt)
+    : width_(width), tilt_(tilt), edges_(tilt), profile_(bandWidth(), tilt.core) {
   assert(tilt.core >= 0 && tilt.core <= LUMORA_STRONGEST);
-  if (tilt.x1 == tilt.x2) {
-    buildHorizontalBand(mask, width, height, tilt);
-  } else if (tilt.y1 == tilt.y2) {
-    buildVerticalBand(mask, width, height, tilt);
+}
+
+// Of a slanted band measured along a row.
+double TiltMask::bandWidth() const {
+  if (isHorizontal()) return distance(tilt_.y1, tilt_.y2);
+  if (isVertical()) return distance(tilt_.x1, tilt_.x2);
+  return std::trunc(std::fabs(edges_.dx) + 0.5f + std::fabs(edges_.dy / edges_.slope));
+}
+
+// A band that touches only the last column counts as beside the picture.
+double TiltMask::verticalStart() const {
+  const std::int32_t start = std::min(tilt_.x1, tilt_.x2);
+  const bool isBeside = std::max(tilt_.x1, tilt_.x2) < 0 || start >= width_ - 1;
+  return isBeside ? width_ : start;
+}
+
+void TiltMask::fillRow(int y, std::uint8_t* out) const {
+  if (isHorizontal()) {
+    const double start = std::min(tilt_.y1, tilt_.y2);
+    std::memset(out, profile_.at(y - start), static_cast<std::size_t>(width_));
   } else {
-    buildSlantedBand(mask, width, height, tilt);
+    profile_.fillRow(out, width_, isVertical() ? verticalStart() : edges_.start(y));
   }
 }
 

@@ -124,7 +124,6 @@ void mixRgbaByMask(const RgbaMixRow& row) {
       row.widthPixels,
       [&](std::ptrdiff_t x, std::uint8_t* pixels, const std::uint8_t* maskAt) {
         const V8 mask = loadInRgbaOrder(maskAt);
-        prefetch(row.mask + row.widthPixels + x, kLanes8);
         if (hn::AllTrue(d8, hn::Eq(mask, hn::Zero(d8)))) return;
         prefetch(row.pixels + row.ahead + 4 * x, 4 * kLanes8);
         const GrownPixels grown(row, x / 2);
@@ -172,7 +171,6 @@ void mixNvByMask(const NvMixRows& rows) {
       [&](std::ptrdiff_t x, std::uint8_t* top, std::uint8_t* bottom, std::uint8_t* chroma,
           const std::uint8_t* maskAt) {
         const V8 mask = hn::LoadU(d8, maskAt);
-        prefetch(rows.mask + 2 * rows.widthPixels + x, kLanes8);
         if (hn::AllTrue(d8, hn::Eq(mask, hn::Zero(d8)))) return;
         prefetchNext(rows, x);
         mixBlocks(top, bottom, chroma, rows.level, x / 2, MaskShare::ofBlocks(mask));

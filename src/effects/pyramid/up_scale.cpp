@@ -77,34 +77,43 @@ void Grower::grow(int level, int y) {
   }
 }
 
-const std::uint8_t* maskRow(const Mix& mix, const Picture& picture, int y) {
-  return mix.mask != nullptr ? mix.mask + std::ptrdiff_t{y} * picture.widthPixels : nullptr;
-}
+// The mix on one stripe.
+struct StripeMix {
+  const Mix& whole;
+  int stripe;
 
-void mixRgbaRow(const Picture& picture, const Mix& mix, Grower& grower, int y) {
+  const std::uint8_t* maskRow(const Picture& picture, int y) const {
+    if (whole.mask == nullptr) return nullptr;
+    std::uint8_t* const row = whole.maskMemory + std::ptrdiff_t{stripe} * picture.widthPixels;
+    whole.mask->fillRow(y, row);
+    return row;
+  }
+};
+
+void mixRgbaRow(const Picture& picture, const StripeMix& mix, Grower& grower, int y) {
   const RgbaMixRow row{.pixels = picture.row(y),
                        .ahead = picture.strideBytes,
                        .widthPixels = picture.widthPixels,
                        .upper = grower.levelOne(y / 2),
                        .lower = grower.levelOne(std::min((y + 1) / 2, grower.lastLevelOneRow())),
-                       .mask = maskRow(mix, picture, y),
-                       .weight = mix.weight};
-  (mix.mask == nullptr ? kMix().rgbaByWeight : kMix().rgbaByMask)(row);
+                       .mask = mix.maskRow(picture, y),
+                       .weight = mix.whole.weight};
+  (mix.whole.mask == nullptr ? kMix().rgbaByWeight : kMix().rgbaByMask)(row);
 }
 
-void mixNvRows(const Picture& picture, const Mix& mix, Grower& grower, int y) {
+void mixNvRows(const Picture& picture, const StripeMix& mix, Grower& grower, int y) {
   const NvMixRows rows{.top = picture.row(y),
                        .bottom = picture.row(y + 1),
                        .chroma = picture.chroma() + y / 2 * picture.strideBytes,
                        .ahead = 2 * picture.strideBytes,
                        .widthPixels = picture.widthPixels,
                        .level = grower.levelOne(y / 2),
-                       .mask = maskRow(mix, picture, y),
-                       .weight = mix.weight};
-  (mix.mask == nullptr ? kMix().nvByWeight : kMix().nvByMask)(rows);
+                       .mask = mix.maskRow(picture, y),
+                       .weight = mix.whole.weight};
+  (mix.whole.mask == nullptr ? kMix().nvByWeight : kMix().nvByMask)(rows);
 }
 
-void growRows(const Picture& picture, const Mix& mix, Grower& grower, const Stripe& rows) {
+void growRows(const Picture& picture, const StripeMix& mix, Grower& grower, const Stripe& rows) {
   const int first = static_cast<int>(rows.first), end = first + static_cast<int>(rows.count);
   if (picture.isRgba()) {
     for (int y = first; y < end; ++y) mixRgbaRow(picture, mix, grower, y);
@@ -121,7 +130,7 @@ Status ImUpScale(const PlanarImage& small, int levels, const Picture& picture, c
   return overStripes(threads, picture.heightRows, splitOf(picture),
                      [&](const Stripe& stripe, int k) {
                        Grower grower(small, levels, picture, rowMemory + k * workerBytes);
-                       growRows(picture, mix, grower, stripe);
+                       growRows(picture, {mix, k}, grower, stripe);
                      });
 }
 

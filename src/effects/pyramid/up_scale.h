@@ -1,6 +1,7 @@
 // Up-scaling: a small image grown back through the levels and mixed into its picture.
 #pragma once
 
+#include "effects/masks/masks.h"
 #include "effects/pyramid/level_rows.h"
 #include "platform/picture.h"
 #include "platform/status.h"
@@ -9,8 +10,9 @@ namespace lumora {
 
 // How much of the grown image goes into the picture.
 struct Mix {
-  const std::uint8_t* mask;  // packed, one byte a pixel, 255 takes the grown sample; or null and
-  int weight;                // 0..31 of 32, the same everywhere
+  const MaskRows* mask;                // 255 takes the grown sample; or null and
+  int weight;                          // 0..31 of 32, the same everywhere
+  std::uint8_t* maskMemory = nullptr;  // with a mask, a row of it for each stripe
 };
 
 // Grows level `levels` to the picture's size and mixes it in. Between the levels a sample counts
