@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 
 #include "default_pack/paint/noise.h"
 
@@ -16,28 +17,61 @@ inline double centred(std::int32_t index, std::int32_t count) {
   return (2.0 * index + 1.0) / count - 1.0;
 }
 
-// Rounds with noise of up to half a level, so that slow ramps show no bands, not even after their
-// contrast was raised. low..high: the bytes the look can bear.
-inline std::uint8_t dithered(double value, std::int32_t x, std::int32_t y, std::uint32_t seed,
-                             double low, double high) {
-  const double noise = 0.5 * (uniform(x, y, seed) + uniform(x, y, seed + 1) - 1.0);
-  return static_cast<std::uint8_t>(std::floor(clamp(value + noise, low, high) + 0.5));
-}
+// How values become bytes.
+struct Rounding {
+  double low;  // the bytes the look can bear
+  double high;
+  std::uint32_t seed;
+  // In levels. A quarter hides the texture's own steps and packs well; a whole one also hides steps
+  // that a look makes of them, where it turns one level into several or several into one.
+  double noise = 0.25;
+};
+
+// Rounds a large grey texture to bytes, row by row from the top. What a rounding took away or added
+// is handed on to the texels right of it and below, so that every small area keeps its mean and
+// what remains is too fine to be seen: slow ramps show no contours, not even after their contrast
+// was raised. Noise in the decision keeps patterns from forming, and is handed on as well.
+class Dither {
+ public:
+  explicit Dither(const Rounding& rounding) : rule_(rounding) {}
+
+  void roundRow(std::int32_t y, const double* row, std::uint8_t* dst) {
+    double right = 0;
+    double below[kSide + 2] = {};
+    for (std::int32_t x = 0; x < kSide; ++x) {
+      const double wanted = clamp(row[x], rule_.low, rule_.high) + due_[x + 1] + right;
+      const double noise = rule_.noise * (2 * uniform(x, y, rule_.seed) - 1);
+      const double rounded = clamp(std::floor(wanted + noise + 0.5), rule_.low, rule_.high);
+      dst[x] = static_cast<std::uint8_t>(rounded);
+      const double share = (wanted - rounded) / 16;
+      right = 7 * share;
+      below[x] += 3 * share;
+      below[x + 1] += 5 * share;
+      below[x + 2] += share;
+    }
+    std::memcpy(due_, below, sizeof due_);
+  }
+
+ private:
+  Rounding rule_;
+  double due_[kSide + 2] = {};  // for the next row, one texel more on either side
+};
 
 // Fills a large grey texture row by row. drawRow(y, row) writes the row's kSide values.
 template <class DrawRow>
-void paintRows(std::uint8_t* dst, std::uint32_t seed, double low, double high, DrawRow drawRow) {
+void paintRows(std::uint8_t* dst, const Rounding& rounding, DrawRow drawRow) {
+  Dither dither(rounding);
   double row[kSide];
-  for (std::int32_t y = 0; y < kSide; ++y) {
+  for (std::int32_t y = 0; y < kSide; ++y, dst += kSide) {
     drawRow(y, row);
-    for (std::int32_t x = 0; x < kSide; ++x) *dst++ = dithered(row[x], x, y, seed, low, high);
+    dither.roundRow(y, row, dst);
   }
 }
 
 // Fills a large grey texture with value(u, v), u and v in -1..1.
 template <class Value>
-void paintField(std::uint8_t* dst, std::uint32_t seed, double low, double high, Value value) {
-  paintRows(dst, seed, low, high, [&value](std::int32_t y, double* row) {
+void paintField(std::uint8_t* dst, const Rounding& rounding, Value value) {
+  paintRows(dst, rounding, [&value](std::int32_t y, double* row) {
     const double v = centred(y, kSide);
     for (std::int32_t x = 0; x < kSide; ++x) row[x] = value(centred(x, kSide), v);
   });

@@ -21,7 +21,7 @@ double cloudiness(double u, double v) {
 }  // namespace
 
 void paintClouds(std::uint8_t* dst) {
-  paintField(dst, kSeed, kLow, kHigh, [](double u, double v) {
+  paintField(dst, {kLow, kHigh, kSeed}, [](double u, double v) {
     const double f = cloudiness(u, v);
     const double edges = smootherStep((f - 0.28) / 0.46);
     const double haze = clamp((f - 0.2) / 0.6, 0, 1);

@@ -11,7 +11,7 @@ constexpr std::uint32_t kGrainSeed = 0x5000;
 constexpr std::uint32_t kBlotchSeed = 0x6000;
 constexpr std::uint32_t kSpeckSeed = 0x6100;
 
-constexpr ScratchKind kDarkScratches = {16, -70, -22, 0.7, 2.6, kShadeSeed + 0x50};
+constexpr ScratchKind kDarkScratches = {16, -60, -18, 0.7, 2.6, kShadeSeed + 0x50};
 constexpr ScratchKind kLightScratches = {7, 8, 15, 0.7, 2.6, kShadeSeed + 0x60};
 constexpr ScratchKind kGrainScratches = {9, 25, 80, 0.7, 1.7, kGrainSeed + 0x50};
 
@@ -19,29 +19,39 @@ constexpr ScratchKind kGrainScratches = {9, 25, 80, 0.7, 1.7, kGrainSeed + 0x50}
 // film runs (streaks across it look like bad video).
 double print(double u, double v) {
   const double d = distance(u, v, 0.5, 0.10, kShadeSeed + 0x10);
-  return 247 - 97 * fall(d, 1.2, Fall::kQuartic) +
-         26 * (fractal(2.2 * u, 2.2 * v, 4, kShadeSeed + 0x20) - 0.5) +
-         9 * (fractal(70 * u, 0.8 * v, 2, kShadeSeed + 0x30) - 0.5);
+  return 252 - 67 * fall(d, 1.2, Fall::kQuartic) +
+         18 * (fractal(2.2 * u, 2.2 * v, 4, kShadeSeed + 0x20) - 0.5) +
+         7 * (fractal(70 * u, 0.8 * v, 2, kShadeSeed + 0x30) - 0.5);
 }
 
-// Normal noise through a 3 x 3 binomial kernel: grains 1.5 to 2 texels wide. Divided by 6 instead
-// of 16, the deviation is about 1 again.
+// Frames are wider than high, by 4 : 3 to 3 : 2. Grain and dust are that much higher than wide in
+// the texture, so that they come out round.
+constexpr double kStretch = 1.41;
+
+// Normal noise with a little of its neighbours: grains 1.1 texels wide and 1.6 high. Any finer
+// and they would be single texels, which wide pictures show as oblong blocks. The deviation is 1.
 double fineGrain(std::int32_t x, std::int32_t y) {
-  static constexpr double kWeights[3] = {1, 2, 1};
+  static constexpr double kAcross[3] = {0.06, 1, 0.06};
+  static constexpr double kAlong[3] = {0.20, 1, 0.20};
   double sum = 0;
   for (int dy = 0; dy < 3; ++dy) {
     for (int dx = 0; dx < 3; ++dx) {
-      sum += kWeights[dy] * kWeights[dx] * normal(x + dx, y + dy, kGrainSeed + 0x10);
+      sum += kAlong[dy] * kAcross[dx] * normal(x + dx, y + dy, kGrainSeed + 0x10);
     }
   }
-  return sum / 6;
+  return sum / 1.043;
 }
 
+// Three levels of the texture are one of the picture. In whole steps of them it packs better.
+constexpr double kGrainStep = 3;
+
 double grain(std::int32_t x, std::int32_t y) {
-  const double clumps = octaves(valueNoise, x / 3.1, y / 3.1, 2, kGrainSeed + 0x20) - 0.5;
+  const double clumps =
+      octaves(valueNoise, x / 2.6, y / (2.6 * kStretch), 2, kGrainSeed + 0x20) - 0.5;
   const double unevenness =
       fractal(2 * centred(x, kSide), 2 * centred(y, kSide), 3, kGrainSeed + 0x30) - 0.5;
-  return 60 + 19 * (0.85 * fineGrain(x, y) + 0.5 * 5.2 * clumps) + 14 * unevenness;
+  const double value = 53 + 15.5 * (0.93 * fineGrain(x, y) + 0.36 * 5.2 * clumps) + 12 * unevenness;
+  return kGrainStep * std::floor(value / kGrainStep + 0.5);
 }
 
 // Dust: small discs, most of them light.
@@ -50,11 +60,11 @@ constexpr int kDustCount = 260;
 void addDust(std::int32_t y, double* row) {
   constexpr std::uint32_t kSeed = kGrainSeed + 0x70;
   for (int i = 0; i < kDustCount; ++i) {
-    const double dy = y - uniform(i, 1, kSeed, 0, kSide);
+    const double dy = (y - uniform(i, 1, kSeed, 0, kSide)) / kStretch;
     const double radius = uniform(i, 2, kSeed, 0.8, 2.7);
     if (dy < -radius || dy > radius) continue;
     const double centre = uniform(i, 3, kSeed, 4, kSide - 5);
-    const double depth = i % 3 == 0 ? -34 : 70;
+    const double depth = i % 3 == 0 ? -30 : 55;
     for (auto x = static_cast<std::int32_t>(centre) - 3; x <= centre + 3; ++x) {
       const double dx = x - centre;
       const double d = std::sqrt(dx * dx + dy * dy);
@@ -101,7 +111,7 @@ double hair(Point p) {
 }  // namespace
 
 void paintShade(std::uint8_t* dst) {
-  paintRows(dst, kShadeSeed, 90, 255, [](std::int32_t y, double* row) {
+  paintRows(dst, {90, 255, kShadeSeed}, [](std::int32_t y, double* row) {
     for (std::int32_t x = 0; x < kSide; ++x) row[x] = print(centred(x, kSide), centred(y, kSide));
     addScratches(kDarkScratches, y, row);
     addScratches(kLightScratches, y, row);
@@ -109,7 +119,7 @@ void paintShade(std::uint8_t* dst) {
 }
 
 void paintGrain(std::uint8_t* dst) {
-  paintRows(dst, kGrainSeed, 4, 170, [](std::int32_t y, double* row) {
+  paintRows(dst, {4, 170, kGrainSeed}, [](std::int32_t y, double* row) {
     for (std::int32_t x = 0; x < kSide; ++x) row[x] = grain(x, y);
     addScratches(kGrainScratches, y, row);
     addDust(y, row);

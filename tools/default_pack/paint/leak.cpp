@@ -42,11 +42,13 @@ Lights lightsAt(double x, double y) {
 }
 
 // What is as good as no light becomes exactly none: the look's strong curve lifts low values, and
-// would show them as a flat haze.
+// would show them as a flat haze. Noise of up to half a level keeps slow ramps from showing bands.
 std::uint8_t exposed(double light, int channel, std::int32_t x, std::int32_t y) {
   const double value = kShoulder[channel] * light / (light + kShoulder[channel]);
   if (value <= 0.02) return 0;
-  return dithered(value, x, y, kSeed + 2 * static_cast<std::uint32_t>(channel), 0, 255);
+  const std::uint32_t seed = kSeed + 2 * static_cast<std::uint32_t>(channel);
+  const double noise = 0.5 * (uniform(x, y, seed) + uniform(x, y, seed + 1) - 1.0);
+  return static_cast<std::uint8_t>(std::floor(clamp(value + noise, 0, 255) + 0.5));
 }
 
 void paintTexel(std::int32_t x, std::int32_t y, std::uint8_t* texel) {
