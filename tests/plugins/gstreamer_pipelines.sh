@@ -47,6 +47,7 @@ echo "== leaks"
 # shellcheck disable=SC2086
 GST_TRACERS=leaks GST_DEBUG=GST_TRACER:7 pipeline $source ! video/x-raw,format=NV12 ! tee name=t \
   t. ! queue ! lumorafilter look=xpro2 ! fakesink t. ! queue ! lumorafilter look=blur ! fakesink 2>said
+grep -q GST_TRACER said || { echo "the tracer says nothing"; exit 1; }
 if grep -E 'object-(alive|leaked), type-name=.string.[A-Z]' said; then exit 1; fi
 
 echo "== effect descriptions"
