@@ -2,6 +2,7 @@
 // that it explains, nothing.
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -87,6 +88,21 @@ std::vector<std::string> anyArguments(FuzzedDataProvider& in) {
   return arguments;
 }
 
+std::int64_t y4mFrameBytes(const std::vector<std::string>& arguments) {
+  const std::string& size = arguments[6];
+  const std::int64_t bytes = std::stoll(size) * std::stoll(size.substr(size.find('x') + 1)) * 3 / 2;
+  return std::clamp<std::int64_t>(bytes, 0, kMostBytes);
+}
+
+// Lets a stream tell the format and the size that stand in the arguments; its first lines.
+std::string takeY4mHeader(std::vector<std::string>& arguments, FuzzedDataProvider& in) {
+  const std::string size = arguments[6];
+  arguments.erase(arguments.begin() + 3, arguments.begin() + 7);
+  const std::size_t x = size.find('x');
+  return "YUV4MPEG2 W" + size.substr(0, x) + " H" + size.substr(x + 1) +
+         value(in, " C420jpeg", 40) + "\nFRAME" + value(in, "\n", 20);
+}
+
 // The exit code, or -1 for an error that was explained.
 int run(std::vector<std::string>& arguments) {
   std::vector<char*> argv;
@@ -110,10 +126,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   FuzzedDataProvider in(data, size);
   const Workers workers(rarely(in, 32));
   std::vector<std::string> arguments = anyArguments(in);
+  const std::int64_t oneFrame = y4mFrameBytes(arguments);
+  const std::string header = oneIn(in, 4) ? takeY4mHeader(arguments, in) : "";
+  const bool isWhole = !header.empty() && !oneIn(in, 4);
   // Few bytes make many: the rest of the input, and zeros behind it.
-  const auto frames = in.ConsumeIntegralInRange<std::size_t>(0, 60'000);
+  const auto frames = isWhole ? static_cast<std::size_t>(oneFrame)
+                              : in.ConsumeIntegralInRange<std::size_t>(0, 60'000);
   std::vector<std::uint8_t> bytes = in.ConsumeRemainingBytes<std::uint8_t>();
   bytes.resize(frames);
+  bytes.insert(bytes.begin(), header.begin(), header.end());
   lumora::test::ResourceDirectory::write(input, bytes);
   fs::remove(output);
 

@@ -112,6 +112,7 @@ TEST_F(FrameTest, Y4mTellsItsSizeAndKeepsItsHeader) {
                 {"YUV4MPEG2 W91 H90\n", "needs even sides"},
                 {"YUV4MPEG2 W90 H80\n", "is 90 x 80 pixels; looks need 88"},
                 {"YUV4MPEG2 W90 H90 XCOLORRANGE=FULL\nFRAMES\n", "no frame where the 1."},
+                {"YUV4MPEG2 W90 H90 XCOLORRANGE=FULL\n\nFRAME\n", "no frame where the 1."},
                 {"YUV4MPEG2 W90 H90 XCOLORRANGE=FULL\nFRAME\nabc", "frame 1 is cut short: 3 of"},
                 {"YUV4MPEG2 " + std::string(5000, 'X'), "in: is no Y4M"}}) {
     writeFile("in", content);

@@ -110,11 +110,10 @@ class Input {
     return done;
   }
 
-  // Up to a line break, which is not in it; empty at the end.
+  // With its line break; empty at the end.
   std::string readLine(std::size_t longest) {
     std::string line;
-    char next = 0;
-    while (readOne(next) && next != '\n') {
+    for (char next = 0; next != '\n' && readOne(next);) {
       line += next;
       if (line.size() > longest) throw PictureError(name_ + ": is no Y4M");
     }
@@ -180,12 +179,8 @@ class FrameStream {
   bool readMark() {
     mark_ = input_.readLine(kLongestY4mLine);
     if (mark_.empty()) return false;
-    const std::string word = mark_.substr(0, mark_.find(' '));
-    if (word != kY4mFrameMark) {
-      throw PictureError(text(input_.name(), ": has no frame where the ", number_, ". should be"));
-    }
-    mark_ += '\n';
-    return true;
+    if (mark_.substr(0, mark_.find_first_of(" \n")) == kY4mFrameMark) return true;
+    throw PictureError(text(input_.name(), ": has no frame where the ", number_, ". should be"));
   }
 
   Input& input_;
@@ -222,7 +217,7 @@ std::string readY4mHeader(FrameSettings& settings, Input& input) {
     if (!line.starts_with(kY4mMark)) {
       throw PictureError("is no Y4M; --format nv21, nv12 or rgba and --size tell of other frames");
     }
-    const Y4mStream stream = parseY4mHeader(line);
+    const Y4mStream stream = parseY4mHeader(line.substr(0, line.find('\n')));
     requirePictureSize(stream.size);
     if (!stream.hasFullRange) {
       std::cerr << "lumora: " << input.name()
@@ -235,7 +230,7 @@ std::string readY4mHeader(FrameSettings& settings, Input& input) {
   settings.format = &findFrameFormat("nv12");
   requireFrame(*settings.look.mode, settings.format->format, settings.size);
   settings.strideBytes = static_cast<int>(settings.size.width);
-  return line + '\n';
+  return line;
 }
 
 }  // namespace

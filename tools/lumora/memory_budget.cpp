@@ -24,8 +24,8 @@ constexpr std::uint64_t kFirstThread = std::uint64_t{48} << 20;
 constexpr std::uint64_t kFurtherThread = std::uint64_t{14} << 20;
 
 // Bytes for a pixel when the most is in memory: the most that was measured of pictures of 3 and 12
-// million pixels, plain, interlaced and of 16 bits, and a tenth. AVIF and HEIC are in memory twice,
-// here and in the process that decodes them.
+// million pixels, plain, interlaced and of 16 bits, and a tenth. AVIF and HEIC count twice, here
+// and in the process that decodes them.
 unsigned bytesForReading(FormatKind kind) {
   const bool isHeif = kind == FormatKind::kAvif || kind == FormatKind::kHeic;
   return isHeif ? 26 : 13;
