@@ -1,5 +1,3 @@
-#include <cstring>
-
 #include "looks/texture/aged_film.h"
 #include "pipeline/routes.h"
 #include "pixels/blend_kernel.h"
@@ -71,20 +69,16 @@ void fillMarks(const Call& call, const MarkBuffer& marks, std::uint8_t* grain,
 Status runFilm(const Call& call, const ModeRow& row, const TextureSource& shade,
                const MarkBuffer& marks) {
   const Picture& picture = call.picture;
-  const auto run = [&](std::uint8_t* copy) {
-    const LookInputs inputs{shade, tuningBlock(call), call.ratio};
-    return reported(call, row, runAgedFilm(picture, inputs, marks, copy, call.threads));
-  };
-  if (call.copy == nullptr || call.threads == Threads::kCaller) return run(call.copy);
+  const LookInputs inputs{shade, tuningBlock(call), call.ratio};
+  const Status filtered =
+      reported(call, row, runAgedFilm(picture, inputs, marks, call.copy, call.threads));
+  if (call.copy == nullptr || call.threads == Threads::kCaller) return filtered;
 
-  const std::uint64_t bytes = picture.bytes();
-  std::memcpy(call.copy, picture.data, static_cast<std::size_t>(bytes));
-  const Status filtered = run(nullptr);
-  const Status mixed =
-      StripeRunner::run(splitBytes(static_cast<std::int64_t>(bytes)), [&](const Stripe& s, int) {
-        kBlend()(call.copy + s.first, picture.data + s.first, static_cast<std::size_t>(s.count),
-                 call.ratio);
-      });
+  const Status mixed = StripeRunner::run(splitBytes(static_cast<std::int64_t>(picture.bytes())),
+                                         [&](const Stripe& s, int) {
+                                           kBlend()(call.copy + s.first, picture.data + s.first,
+                                                    static_cast<std::size_t>(s.count), call.ratio);
+                                         });
   return filtered != Status::kOk ? filtered : mixed;
 }
 

@@ -1,6 +1,7 @@
 #include "looks/texture/aged_film.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "looks/looks.h"
@@ -23,6 +24,13 @@ void forEachRun(const Picture& picture, const Stripe& tile, Use use) {
   const auto bytes = static_cast<std::size_t>(tile.count * picture.strideBytes);
   use(picture.row(first), bytes);
   if (!picture.isRgba()) use(picture.chroma() + first / 2 * picture.strideBytes, bytes / 2);
+}
+
+// Each byte at the place that it has in the picture.
+void keep(const Picture& picture, const Stripe& rows, std::uint8_t* copy) {
+  forEachRun(picture, rows, [&](const std::uint8_t* from, std::size_t bytes) {
+    std::memcpy(copy + (from - picture.data), from, bytes);
+  });
 }
 
 // The picture as it was, tile after tile in the same place.
@@ -55,16 +63,18 @@ Status runAgedFilm(const Picture& picture, const LookInputs& inputs, const MarkB
                    std::uint8_t* copy, Threads threads) {
   const FilmAge age(picture, marks);
   const Look& tint = kLaodianying();
-  const bool isMixed = copy != nullptr;
+  const bool isKept = copy != nullptr && threads == Threads::kFour;
+  const bool isMixed = copy != nullptr && threads == Threads::kCaller;
+  const Before before(copy);
   const std::int64_t rows = tileRows(picture);
-  return overStripes(
-      threads, picture.heightRows, splitOf(picture), [&](const Stripe& stripe, int k) {
-        // A stripe of the picture with its chroma has the room of one of the copy.
-        const std::int64_t bytesPerTwoRows = picture.strideBytes * (picture.isRgba() ? 2 : 3);
-        const Before before(isMixed ? copy + stripe.first * bytesPerTwoRows / 2 : nullptr);
+  std::array<bool, kStripeCount> ran{};
+  const Status status =
+      overStripes(threads, picture.heightRows, splitOf(picture), [&](const Stripe& stripe, int k) {
+        ran[static_cast<std::size_t>(k)] = true;
         const std::int64_t end = stripe.first + stripe.count;
         for (std::int64_t y = stripe.first; y < end; y += rows) {
           const Stripe tile{y, std::min(rows, end - y)};
+          if (isKept) keep(picture, tile, copy);
           if (isMixed) before.keep(picture, tile);
           age(picture, tile);
           tint.runForm(picture)(
@@ -73,6 +83,12 @@ Status runAgedFilm(const Picture& picture, const LookInputs& inputs, const MarkB
           if (isMixed) before.mixIn(picture, tile, inputs.ratio);
         }
       });
+  if (!isKept || status == Status::kOk) return status;
+  const Stripes stripes = splitOf(picture)(picture.heightRows);
+  for (std::size_t k = 0; k < stripes.size(); ++k) {
+    if (!ran[k]) keep(picture, stripes[k], copy);
+  }
+  return status;
 }
 
 }  // namespace lumora

@@ -7,9 +7,10 @@
 namespace lumora {
 
 // Ages the picture and runs the tint under its shade texture (`inputs`), on four stripes or on the
-// calling thread. With a `copy`, room of the picture's size, the picture as it was is mixed in; it
-// is kept in the beginning of each stripe of that room, the rest is not touched. Returns kOk or
-// kThreadFailed (the stripes whose worker ran are done, the others untouched).
+// calling thread. With a `copy`, room of the picture's size, the calling thread mixes in the
+// picture as it was, by way of the beginning of that room; four stripes leave the picture as it was
+// there, whole, for another step to mix in. Returns kOk or kThreadFailed (the stripes whose worker
+// ran are done, the others untouched).
 Status runAgedFilm(const Picture& picture, const LookInputs& inputs, const MarkBuffer& marks,
                    std::uint8_t* copy, Threads threads);
 
