@@ -14,7 +14,8 @@ namespace {
 
 int parseJobs(const std::string& value) {
   const int jobs = value == "auto" ? 0 : parseInteger(value, 0, 256);
-  return jobs > 0 ? jobs : std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+  // One more than processors: the decoder's and encoder's own threads wait for one another.
+  return jobs > 0 ? jobs : static_cast<int>(std::thread::hardware_concurrency()) + 1;
 }
 
 std::string parseFormat(const std::string& value) {
@@ -149,8 +150,8 @@ CommandLine applyCommandLine(ApplySettings& s) {
           raise(s.plan.recursive)},
          {"jobs", 'j', "N",
           "work on N pictures at a time, each in one thread, all in\n"
-          "memory (see --memory); 'auto': as many as there are\n"
-          "processors; default 1",
+          "memory (see --memory); 'auto': one more than there\n"
+          "are processors; default 1",
           [&s](const std::string& v) { s.jobs = parseJobs(v); }}}},
        archiveOptions(s),
        resourceOptions(s.resources)},
