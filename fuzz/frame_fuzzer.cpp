@@ -90,8 +90,11 @@ std::vector<std::string> anyArguments(FuzzedDataProvider& in) {
 
 std::int64_t y4mFrameBytes(const std::vector<std::string>& arguments) {
   const std::string& size = arguments[6];
-  const std::int64_t bytes = std::stoll(size) * std::stoll(size.substr(size.find('x') + 1)) * 3 / 2;
-  return std::clamp<std::int64_t>(bytes, 0, kMostBytes);
+  const auto side = [](const std::string& digits) {
+    return std::clamp<std::int64_t>(std::stoll(digits), 0, LUMORA_LONGEST_SIDE);
+  };
+  const std::int64_t pixels = side(size) * side(size.substr(size.find('x') + 1));
+  return std::min(pixels * 3 / 2, kMostBytes);
 }
 
 // Lets a stream tell the format and the size that stand in the arguments; its first lines.
