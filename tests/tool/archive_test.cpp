@@ -25,15 +25,6 @@ class ArchiveTest : public PictureTest {
         "cd ..; find photos -type f | sort > list");
   }
 
-  std::map<std::string, Bytes> filesIn(const std::string& folder) const {
-    std::map<std::string, Bytes> files;
-    for (const auto& entry : fs::recursive_directory_iterator(pathOf(folder))) {
-      const std::string name = fs::relative(entry.path(), pathOf(folder)).string();
-      if (entry.is_regular_file()) files[name] = readFile(folder + "/" + name);
-    }
-    return files;
-  }
-
   static std::vector<Json> linesOf(const std::string& output) {
     std::vector<Json> lines;
     std::istringstream stream(output);

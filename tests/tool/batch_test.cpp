@@ -1,6 +1,5 @@
 // lumora apply on many pictures: trees, several jobs, what is left out and what is not lost.
 #include <filesystem>
-#include <map>
 #include <sstream>
 
 #include "pictures.h"
@@ -22,16 +21,6 @@ class BatchTest : public PictureTest {
     }
     shell("cd photos; head -c 500 p0.jpg | tee a-cut.jpg > b/c/z-cut.jpg; touch b/empty.jpg");
     shell("cd photos; echo no picture | tee b/p-text.jpg notes.txt > .hidden.jpg");
-  }
-
-  // Every file below a folder with its content.
-  std::map<std::string, Bytes> filesIn(const std::string& folder) const {
-    std::map<std::string, Bytes> files;
-    for (const auto& entry : fs::recursive_directory_iterator(pathOf(folder))) {
-      const std::string name = fs::relative(entry.path(), pathOf(folder)).string();
-      if (entry.is_regular_file()) files[name] = readFile(folder + "/" + name);
-    }
-    return files;
   }
 };
 

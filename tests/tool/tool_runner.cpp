@@ -45,6 +45,16 @@ Words ToolTest::listFolder(const std::string& name) const {
   return names;
 }
 
+std::map<std::string, Bytes> ToolTest::filesIn(const std::string& name) const {
+  std::map<std::string, Bytes> files;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(pathOf(name))) {
+    if (!entry.is_regular_file()) continue;
+    const std::string path = std::filesystem::relative(entry.path(), pathOf(name)).string();
+    files[path] = readFile(name + '/' + path);
+  }
+  return files;
+}
+
 ToolResult ToolTest::runShell(const std::string& command) const {
   const std::string output = logs_.path() + "output", error = logs_.path() + "error";
   const std::string inFolder = "cd '" + folder_.path() + "' && { " + command + "\n} </dev/null";

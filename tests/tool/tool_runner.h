@@ -5,6 +5,7 @@
 
 #include <csignal>
 #include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,6 +44,8 @@ class ToolTest : public testing::Test {
   Bytes readFile(const std::string& name) const;
   // Names in the folder, sorted.
   Words listFolder(const std::string& name = ".") const;
+  // Every file in the folder and those below it, with its content.
+  std::map<std::string, Bytes> filesIn(const std::string& name) const;
 
   // Standard input is empty where the command does not redirect it; 'lumora' is the tool.
   ToolResult runShell(const std::string& command) const;
